@@ -1,0 +1,11 @@
+# Seven-character abbreviated revision of the sources, for GIT_REVISION.
+execute_process(
+  COMMAND git rev-parse --short=7 HEAD
+  WORKING_DIRECTORY "${CMAKE_SOURCE_DIR}"
+  OUTPUT_VARIABLE AAXW_GIT_REVISION
+  OUTPUT_STRIP_TRAILING_WHITESPACE
+  ERROR_QUIET
+  RESULT_VARIABLE _aaxw_git_rc)
+if(NOT _aaxw_git_rc EQUAL 0 OR AAXW_GIT_REVISION STREQUAL "")
+  set(AAXW_GIT_REVISION "0000000")
+endif()
