@@ -1,0 +1,178 @@
+// Lifecycle, description, parameters and state of the VST 2 fake host.
+#include "vst2/CFakeHostVST2.h"
+
+#include <cstring>
+#include <exception>
+
+#include "S_Alg_Context.h"
+#include "logger/CLog.h"
+#include "vst2/VendorVersion.h"
+
+CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path) : IFakeHost(owner)
+{
+    MV_LOG("bundle", kLogInfo, "HOST> Load library...");
+    CVST2PluginLoader::EntryFunction entry = loader.loadLibrary(path.c_str());
+    if (!entry) {
+        MV_LOG("bundle", kLogError, "VST Plugin main entry not found (", path, ")");
+        return;
+    }
+    MV_LOG("bundle", kLogDebug, "HOST> Create effect in progress...");
+    AEffect* created = entry(&CFakeHostVST2::staticHostCallback);
+    // A record without the magic is not an effect we can talk to.
+    if (created != nullptr && created->magic == kEffectMagic && created->dispatcher != nullptr) {
+        effect = created;
+        MV_LOG("bundle", kLogNotice, "Audio Effect ok");
+    } else {
+        MV_LOG("bundle", kLogError, "Failed to create effect instance (", path, ")");
+    }
+}
+
+CFakeHostVST2::~CFakeHostVST2()
+{
+    MV_LOG("bundle", kLogInfo, "HOST> Unload library...");
+    effect = nullptr;
+    // Normally freed by Quit; an owner that skipped Quit must not leak it.
+    delete midiEvent;
+    midiEvent = nullptr;
+}
+
+VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt)
+{
+    // Some plug-ins let C++ exceptions escape their dispatcher; one must not
+    // travel on into the AAX host.
+    try {
+        return effect->dispatcher(effect, opcode, index, value, ptr, opt);
+    } catch (const std::exception& failure) {
+        MV_LOG("fakehost", kLogError, "VST2 - the plug-in threw on opcode ", opcode, ": ", failure.what());
+    } catch (...) {
+        MV_LOG("fakehost", kLogError, "VST2 - the plug-in threw on opcode ", opcode);
+    }
+    return 0;
+}
+
+void CFakeHostVST2::Init()
+{
+    if (effect == nullptr)
+        return;
+    MV_LOG("bundle", kLogDebug, "HOST> Create effect done");
+    effect->user = this;
+    Dispatch(effOpen);
+    Dispatch(effMainsChanged, 0, 1);
+
+    ELogLevel bundleLevel = kLogAssert;
+    if (CSingleton<CLog>::getInstance()->getCategoryLevel("bundle", bundleLevel) && bundleLevel == kLogDebug) {
+        if (!loader.checkPlatform())
+            MV_LOG("fakehost", kLogError, "Platform verification failed! Please check your Compiler Settings!");
+        loader.displayPluginsInfo(effect);
+    }
+
+    channelsFit = effect->numInputs <= kHostInputChannels && effect->numOutputs <= kHostOutputChannels;
+    if (!channelsFit)
+        MV_LOG("fakehost", kLogError, "VST2 - the plug-in has ", effect->numInputs, " inputs and ",
+               effect->numOutputs, " outputs, more than the ", kHostInputChannels, " and ", kHostOutputChannels,
+               " the host provides: it will output silence");
+
+    Dispatch(effSetProgram, 0, 0);
+    if (midiEvent == nullptr)
+        midiEvent = new VstMidiEvent();
+    std::memset(midiEvent, 0, sizeof(VstMidiEvent));
+}
+
+void CFakeHostVST2::Setup() {}
+
+void CFakeHostVST2::Quit()
+{
+    delete midiEvent;
+    midiEvent = nullptr;
+    if (effect == nullptr)
+        return;
+    MV_LOG_AT("fakehost", kLogInfo, "Quit");
+    Dispatch(effMainsChanged, 0, 0);
+    Dispatch(effClose);
+    // effClose makes the plug-in free its record: nothing may reach it now.
+    effect = nullptr;
+    currentContext = nullptr;
+}
+
+std::string CFakeHostVST2::GetPluginVendor()
+{
+    if (effect == nullptr)
+        return std::string();
+    char vendor[kTextBufferSize + 1] = {};
+    Dispatch(effGetVendorString, 0, 0, vendor);
+    return std::string(vendor);
+}
+
+std::string CFakeHostVST2::GetPluginVersion()
+{
+    if (effect == nullptr)
+        return std::string();
+    const VstInt32 version = static_cast<VstInt32>(Dispatch(effGetVendorVersion));
+    MV_LOG("fakehost", kLogDebug, "Vendor version = _", version, "_");
+    return Morvane::FormatVendorVersion(version);
+}
+
+int32_t CFakeHostVST2::GetPluginProductUniqueID()
+{
+    return effect != nullptr ? effect->uniqueID : -1;
+}
+
+int CFakeHostVST2::GetParameterCount()
+{
+    return effect != nullptr ? effect->numParams : -1;
+}
+
+bool CFakeHostVST2::GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault)
+{
+    if (effect == nullptr)
+        return false;
+    const int inID = inParamIndex;
+    MV_COND_ASSERT("fakehost", 0 <= inID && inID < GetParameterCount(), "0<=inID && inID<GetParameterCount()",
+                   "Bad access to parameters info", " inID = ", inID,
+                   " GetParameterCount() = ", GetParameterCount());
+    char name[kTextBufferSize + 1] = {};
+    Dispatch(effGetParamName, inParamIndex, 0, name);
+    outName = name;
+    if (effect->getParameter != nullptr)
+        outDefault = effect->getParameter(effect, inParamIndex);
+    return true;
+}
+
+void CFakeHostVST2::AddInputChangeForProcessing(int index, double value)
+{
+    MV_LOG("process", kLogDebug, "VST2> AddInputChangeForProcessing... ", index, " ", value);
+    if (effect == nullptr || effect->setParameter == nullptr)
+        return;
+    effect->setParameter(effect, index, static_cast<float>(value));
+}
+
+void CFakeHostVST2::AddInputChangeForGUI(int, double) {}
+
+void CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
+{
+    if (effect == nullptr || outSize == nullptr)
+        return;
+    void* chunk = nullptr;
+    VstIntPtr size = Dispatch(effGetChunk, 0, 0, &chunk);
+    if (chunk == nullptr || size < 0) {
+        MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the plug-in gave no chunk");
+        size = 0;
+    }
+    *outSize = static_cast<unsigned int>(size) + kStateMargin;
+    if (outpData != nullptr && size > 0)
+        std::memcpy(outpData, chunk, static_cast<size_t>(size));
+}
+
+void CFakeHostVST2::SetState(unsigned int inSize, void* inpData)
+{
+    if (effect == nullptr)
+        return;
+    // A size that does not even cover the margin cannot come from GetState;
+    // passing it on would hand the plug-in a negative length.
+    if (inpData == nullptr || inSize <= kStateMargin) {
+        MV_LOG("fakehost", kLogError, "VST2 - SetState refused: size ", inSize, " does not exceed the margin of ",
+               kStateMargin, " bytes");
+        return;
+    }
+    Dispatch(effSetChunk, 0, static_cast<VstIntPtr>(inSize - kStateMargin), inpData);
+}

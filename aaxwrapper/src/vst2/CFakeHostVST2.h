@@ -1,0 +1,74 @@
+// The VST 2 fake host: creates one effect from a plug-in file, answers its
+// calls to the host, and translates between the AAX side and the effect.
+#pragma once
+
+#include <string>
+
+#include "S_Alg_Context.h"
+#include "vst3/IFakeHost.h"
+#include "vst2/CVST2PluginLoader.h"
+#include "vst2/VstInterface.h"
+
+class AAX_CEffectParameters;
+class AAX_IViewContainer;
+
+class CFakeHostVST2 : public IFakeHost {
+public:
+    // Bytes added to the effect's chunk size in GetState and taken off again in
+    // SetState; both sides must use this one constant.
+    static constexpr unsigned int kStateMargin = sizeof(void*) == 8 ? 60 : 58;
+    static constexpr int kTextBufferSize = 256;
+    // Channels every context record carries: inputs, and main pair plus stems.
+    static constexpr int kHostInputChannels = kAlgBypassChannels;
+    static constexpr int kHostOutputChannels = 2 + 2 * kNumOutputStems;
+
+    CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path);
+    ~CFakeHostVST2() override;
+    CFakeHostVST2(const CFakeHostVST2&) = delete;
+    CFakeHostVST2& operator=(const CFakeHostVST2&) = delete;
+
+    void Init() override;
+    void Setup() override;
+    void Quit() override;
+    std::string GetPluginVendor() override;
+    std::string GetPluginVersion() override;
+    int32_t GetPluginProductUniqueID() override;
+    int GetParameterCount() override;
+    bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) override;
+    void Process(S_Alg_Context* context) override;
+    void AddInputChangeForProcessing(int index, double value) override;
+    void AddInputChangeForGUI(int index, double value) override;
+    void QuitGUI() override;
+    void CreateGUI(AAX_IViewContainer* container) override;
+    void GetViewSize(float& outWidth, float& outHeight) override;
+    int32_t TimerWakeup() override;
+    void GetState(unsigned int* outSize, void* outpData) override;
+    void SetState(unsigned int inSize, void* inpData) override;
+
+    // The callback handed to the effect's entry function.
+    static VstIntPtr staticHostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index,
+                                        VstIntPtr value, void* ptr, float opt);
+    VstIntPtr VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
+
+    AEffect* GetEffect() const { return effect; }
+
+private:
+    VstIntPtr Dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
+                       void* ptr = nullptr, float opt = 0.0f);
+    void RefreshTimeInfo(S_Alg_Context* context);
+    void PushInputEvents(S_Alg_Context* context);
+    VstIntPtr ForwardOutputEvents(void* ptr);
+    VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
+
+    CVST2PluginLoader loader;
+    AEffect* effect = nullptr;
+    VstTimeInfo timeInfo{};
+    VstEvents events{};
+    VstMidiEvent* midiEvent = nullptr;
+    AAX_IViewContainer* viewContainer = nullptr;
+    bool needsResize = true;
+    S_Alg_Context* currentContext = nullptr;
+    // False when the effect declares more channels than the host's context
+    // carries; it is then not processed rather than let run past the arrays.
+    bool channelsFit = true;
+};

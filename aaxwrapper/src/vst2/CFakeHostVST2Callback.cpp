@@ -1,0 +1,101 @@
+// The host side the effect calls into: the static callback and its member
+// counterpart.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "AAX_CEffectParameters.h"
+#include "AAX_IMIDINode.h"
+#include "AAX_IViewContainer.h"
+#include "S_Alg_Context.h"
+#include "logger/CLog.h"
+#include "vst2/CFakeHostVST2.h"
+
+namespace {
+constexpr int kHostVendorTextSize = 64;
+}
+
+VstIntPtr CFakeHostVST2::staticHostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
+                                            void* ptr, float opt)
+{
+    switch (opcode) {
+    case audioMasterVersion:
+        return kVstVersion;
+    case audioMasterIdle:
+        return 1;
+    case audioMasterGetVendorString:
+        if (ptr == nullptr)
+            return 0;
+        std::snprintf(static_cast<char*>(ptr), kHostVendorTextSize, "%s", "Morvane AAX Wrapper");
+        return 1;
+    default:
+        break;
+    }
+    // Until Init sets `user` (e.g. inside the entry function) there is no host.
+    if (effect == nullptr || effect->user == nullptr)
+        return 0;
+    return static_cast<CFakeHostVST2*>(effect->user)->VstCallback(opcode, index, value, ptr, opt);
+}
+
+VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt)
+{
+    switch (opcode) {
+    case audioMasterAutomate: {
+        char parameterID[32];
+        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
+        MV_LOG("fakehost", kLogDebug, "Plugin asked us to automate parameter ", index, " ", opt);
+        mEffectParameters.SetParameterNormalizedValue(parameterID, static_cast<double>(opt));
+        return 0;
+    }
+    case audioMasterGetTime:
+        return reinterpret_cast<VstIntPtr>(&timeInfo);
+    case audioMasterProcessEvents:
+        return ForwardOutputEvents(ptr);
+    case audioMasterSizeWindow:
+        return SizeWindow(index, value);
+    case audioMasterGetSampleRate:
+        // The address, not the rate: the answer this host has always given,
+        // which existing set-ups depend on. Plug-ins should use effSetSampleRate.
+        MV_LOG("fakehost", kLogWarning, "VST2 - audioMasterGetSampleRate ");
+        return reinterpret_cast<VstIntPtr>(&timeInfo.sampleRate);
+    default:
+        MV_LOG("fakehost", kLogDebug, "VST2 - staticHostCallback - .. opcode = ", opcode);
+        return 0;
+    }
+}
+
+// Real-time thread: no allocation, packets go straight to the output node.
+VstIntPtr CFakeHostVST2::ForwardOutputEvents(void* ptr)
+{
+    const VstEvents* outgoing = static_cast<const VstEvents*>(ptr);
+    if (currentContext == nullptr || outgoing == nullptr || outgoing->numEvents < 1)
+        return 0;
+    AAX_IMIDINode* outputNode = currentContext->mMidiOut;
+    if (outputNode == nullptr)
+        return 0;
+    for (VstInt32 i = 0; i < outgoing->numEvents; ++i) {
+        const VstEvent* event = outgoing->events[i];
+        if (event == nullptr)
+            continue;
+        const VstMidiEvent* midi = reinterpret_cast<const VstMidiEvent*>(event);
+        AAX_CMidiPacket packet;
+        packet.mTimestamp = static_cast<uint32_t>(midi->deltaFrames);
+        packet.mLength = static_cast<uint32_t>(midi->byteSize);
+        const int copied = std::min<int>(std::max<VstInt32>(midi->byteSize, 0), 4);
+        std::memcpy(packet.mData, midi->midiData, static_cast<size_t>(copied));
+        packet.mIsImmediate = 0;
+        outputNode->PostMIDIPacket(&packet);
+    }
+    return 0;
+}
+
+VstIntPtr CFakeHostVST2::SizeWindow(VstInt32 width, VstIntPtr height)
+{
+    MV_LOG("fakehost", kLogInfo, "VST2 - staticHostCallback - audioMasterSizeWindow ", "\n[LOG] ## ", "index",
+           " = ", width, "\n[LOG] ## ", "value", " = ", height);
+    if (viewContainer != nullptr && width >= 1 && height >= 1) {
+        AAX_Point size(static_cast<float>(height), static_cast<float>(width));
+        viewContainer->SetViewSize(size);
+    }
+    return 1;
+}

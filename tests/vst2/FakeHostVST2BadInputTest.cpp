@@ -1,0 +1,149 @@
+// Plug-in files that cannot give an effect: the fake host must still exist,
+// answer neutrally, survive every call, and log why.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "Vst2TestSupport.h"
+
+using namespace Vst2Test;
+
+namespace {
+
+void ExpectInertHost(CFakeHostVST2& host)
+{
+    EXPECT_EQ(host.GetEffect(), nullptr);
+    host.Init();
+    host.Setup();
+    EXPECT_EQ(host.GetParameterCount(), -1);
+    EXPECT_EQ(host.GetPluginProductUniqueID(), -1);
+    EXPECT_EQ(host.GetPluginVendor(), "");
+    EXPECT_EQ(host.GetPluginVersion(), "");
+    std::string name = "unchanged";
+    float value = 0.25f;
+    EXPECT_FALSE(host.GetParameterInfo(0, name, value));
+    EXPECT_EQ(name, "unchanged");
+    EXPECT_EQ(value, 0.25f);
+
+    CTestContext ctx(32);
+    ctx.FillOutputs(0.5f);
+    ctx.midiIn.incoming = {Packet(0, {0x90, 60, 100})};
+    host.Process(&ctx.context);
+    host.Process(nullptr);
+    EXPECT_EQ(ctx.Output(0)[0], 0.5f);  // untouched
+    host.AddInputChangeForProcessing(0, 0.5);
+    host.AddInputChangeForGUI(0, 0.5);
+
+    unsigned int size = 77;
+    host.GetState(&size, nullptr);
+    EXPECT_EQ(size, 77u);
+    std::vector<unsigned char> bytes(200);
+    host.SetState(static_cast<unsigned int>(bytes.size()), bytes.data());
+
+    CFakeViewContainer view;
+    host.CreateGUI(&view);
+    float width = 7.0f;
+    float height = 9.0f;
+    host.GetViewSize(width, height);
+    EXPECT_EQ(width, 7.0f);
+    EXPECT_EQ(height, 9.0f);
+    EXPECT_EQ(host.TimerWakeup(), 0);
+    EXPECT_TRUE(view.sizes.empty());
+    host.QuitGUI();
+    host.Quit();
+}
+
+}  // namespace
+
+TEST(FakeHostVST2BadInput, MissingFileNonLibraryAndNoEntryLeaveAnInertHost)
+{
+    const std::string textFile = std::string("/tmp/vst2test-plain-text.so");
+    std::ofstream(textFile) << "not a shared object\n";
+    for (const std::string& path : {BuiltPlugin("no-such-plugin.so"), textFile, BuiltPlugin("vst2probe_noentry.so")}) {
+        CLogCapture log({"bundle", "process"});
+        CTestOwner owner;
+        std::string pluginPath = path;
+        CFakeHostVST2 host(owner, pluginPath);
+        EXPECT_TRUE(log.Contains("VST Plugin main entry not found (" + path + ")")) << path;
+        ExpectInertHost(host);
+    }
+    std::remove(textFile.c_str());
+}
+
+TEST(FakeHostVST2BadInput, EntryReturningNullLeavesAnInertHost)
+{
+    CProbeRecord record;
+    CLogCapture log({"bundle"});
+    CTestOwner owner;
+    std::string path = BuiltPlugin("vst2probe_nullentry.so");
+    CFakeHostVST2 host(owner, path);
+    EXPECT_TRUE(log.Contains("Failed to create effect instance (" + path + ")"));
+    EXPECT_EQ(record.Lines(), std::vector<std::string>{"entry VSTPluginMain refused"});
+    ExpectInertHost(host);
+}
+
+TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsTolerated)
+{
+    CProbeRecord record;
+    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    CTestContext ctx(16);
+    ctx.context.mMidiIn = nullptr;
+    ctx.context.mMidiTransport = nullptr;
+    hosted.host->Process(&ctx.context);
+    ctx.context.mSampleRate = nullptr;
+    ctx.context.mBufferLength = nullptr;
+    hosted.host->Process(&ctx.context);
+    // The first call set the rate; without a length nothing is rendered.
+    EXPECT_EQ(record.LinesStartingWith("process").size(), 1u);
+    EXPECT_EQ(record.LinesStartingWith("dispatch effSetSampleRate").size(), 1u);
+}
+
+TEST(FakeHostVST2BadInput, ParameterIndexOutOfRangeIsReportedAndStillAsked)
+{
+    CProbeRecord record;
+    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    std::string name = "x";
+    float value = -1.0f;
+    // Unconfigured log: the assertion only reports, the plug-in is asked anyway.
+    EXPECT_TRUE(hosted.host->GetParameterInfo(99, name, value));
+    EXPECT_EQ(name, "");
+    EXPECT_EQ(value, 0.0f);
+
+    CLogCapture log({"fakehost"});
+    EXPECT_THROW(hosted.host->GetParameterInfo(-1, name, value), std::logic_error);
+    EXPECT_TRUE(log.Contains("0<=inID && inID<GetParameterCount()"));
+}
+
+TEST(FakeHostVST2BadInput, EditorWithoutRectangleKeepsTheSize)
+{
+    setenv("VST2PROBE_NO_RECT", "1", 1);
+    CProbeRecord record;
+    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    CFakeViewContainer view;
+    hosted.host->CreateGUI(&view);
+    float width = 3.0f;
+    float height = 4.0f;
+    hosted.host->GetViewSize(width, height);
+    EXPECT_EQ(width, 3.0f);
+    EXPECT_EQ(height, 4.0f);
+    hosted.host->TimerWakeup();
+    EXPECT_TRUE(view.sizes.empty());
+    unsetenv("VST2PROBE_NO_RECT");
+}
+
+TEST(FakeHostVST2BadInput, PluginWithMoreOutputsThanTheHostIsSilencedNotOverrun)
+{
+    setenv("VST2PROBE_OUTPUTS", "40", 1);
+    CProbeRecord record;
+    CLogCapture log({"fakehost"});
+    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    unsetenv("VST2PROBE_OUTPUTS");
+    EXPECT_TRUE(log.Contains("40 outputs"));
+    CTestContext ctx(32);
+    ctx.FillOutputs(0.5f);
+    hosted.host->Process(&ctx.context);
+    EXPECT_TRUE(record.LinesStartingWith("process").empty());
+    for (int c = 0; c < CTestContext::kOutputs; ++c)
+        EXPECT_TRUE(ctx.OutputIsSilent(c)) << c;
+}

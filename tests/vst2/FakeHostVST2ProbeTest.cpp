@@ -1,0 +1,413 @@
+// The VST 2 fake host driven against the probe plug-in, which records what it
+// is sent and calls back into the host on demand.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "Vst2TestSupport.h"
+
+using namespace Vst2Test;
+
+namespace {
+
+class ProbeHost : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        hosted = std::make_unique<HostedPlugin>(BuiltPlugin("vst2probe.so"));
+        ASSERT_NE(hosted->host->GetEffect(), nullptr);
+    }
+    void TearDown() override { hosted.reset(); }
+
+    CFakeHostVST2& Host() { return *hosted->host; }
+    // Dispatcher lines only, without the editor idle ticks.
+    std::vector<std::string> Dispatches() const
+    {
+        std::vector<std::string> out;
+        for (const std::string& line : record.LinesStartingWith("dispatch "))
+            if (line.find("effEditIdle") == std::string::npos)
+                out.push_back(line);
+        return out;
+    }
+    static size_t IndexOf(const std::vector<std::string>& lines, const std::string& start, size_t from = 0)
+    {
+        for (size_t i = from; i < lines.size(); ++i)
+            if (lines[i].compare(0, start.size(), start) == 0)
+                return i;
+        return lines.size();
+    }
+
+    CProbeRecord record;
+    std::unique_ptr<HostedPlugin> hosted;
+};
+
+}  // namespace
+
+TEST_F(ProbeHost, CreationAndInitSendTheExpectedSequence)
+{
+    const auto lines = record.Lines();
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[0], "entry VSTPluginMain");
+    // Inside the entry function only the three self-answered opcodes work.
+    EXPECT_EQ(lines[1], "entry-host version=2400 time=0 vendor=1:Morvane AAX Wrapper idle=1 canDo=0");
+    EXPECT_EQ(Dispatches(), (std::vector<std::string>{
+                                "dispatch effOpen index=0 value=0 opt=0",
+                                "dispatch effMainsChanged index=0 value=1 opt=0",
+                                "dispatch effSetProgram index=0 value=0 opt=0",
+                            }));
+
+    record.Clear();
+    hosted.reset();
+    EXPECT_EQ(record.Lines(), (std::vector<std::string>{
+                                  "dispatch effEditClose index=0 value=0 opt=0",
+                                  "dispatch effMainsChanged index=0 value=0 opt=0",
+                                  "dispatch effClose index=0 value=0 opt=0",
+                              }));
+}
+
+TEST_F(ProbeHost, DescribesThePlugin)
+{
+    EXPECT_EQ(Host().GetPluginVendor(), "Morvane Test");
+    EXPECT_EQ(Host().GetPluginVersion(), "V1.2.3.4");
+    EXPECT_EQ(Host().GetPluginProductUniqueID(), 0x56507262);
+    ASSERT_EQ(Host().GetParameterCount(), 4);
+    std::string name;
+    float value = -1.0f;
+    EXPECT_TRUE(Host().GetParameterInfo(2, name, value));
+    EXPECT_EQ(name, "Gamma");
+    EXPECT_FLOAT_EQ(value, 0.75f);
+    // The "default" is the value at the time of asking.
+    Host().AddInputChangeForProcessing(2, 0.125);
+    EXPECT_TRUE(Host().GetParameterInfo(2, name, value));
+    EXPECT_FLOAT_EQ(value, 0.125f);
+}
+
+TEST_F(ProbeHost, ParameterChangesReachTheEffectAtOnceNarrowedToFloat)
+{
+    Host().AddInputChangeForGUI(1, 0.9);  // carries nothing for VST 2
+    Host().AddInputChangeForProcessing(1, 0.3);
+    EXPECT_EQ(record.LinesStartingWith("setParameter"), std::vector<std::string>{"setParameter 1 0.3"});
+}
+
+TEST_F(ProbeHost, SampleRateChangesSuspendSetAndResumeBeforeProcessing)
+{
+    CTestContext ctx(32, 48000.0f);
+    record.Clear();
+    Host().Process(&ctx.context);
+    Host().Process(&ctx.context);
+    ctx.sampleRate = 44100.0f;
+    Host().Process(&ctx.context);
+
+    std::vector<std::string> seen;
+    for (const std::string& line : record.Lines())
+        if (line.rfind("dispatch", 0) == 0 || line.rfind("process", 0) == 0)
+            seen.push_back(line);
+    EXPECT_EQ(seen, (std::vector<std::string>{
+                        "dispatch effMainsChanged index=0 value=0 opt=0",
+                        "dispatch effSetSampleRate index=0 value=0 opt=48000",
+                        "dispatch effMainsChanged index=0 value=1 opt=0",
+                        "process frames=32 inputs=set outputs=set",
+                        "process frames=32 inputs=set outputs=set",
+                        "dispatch effMainsChanged index=0 value=0 opt=0",
+                        "dispatch effSetSampleRate index=0 value=0 opt=44100",
+                        "dispatch effMainsChanged index=0 value=1 opt=0",
+                        "process frames=32 inputs=set outputs=set",
+                    }));
+}
+
+TEST_F(ProbeHost, TimeInformationFollowsTheTransport)
+{
+    CTestContext ctx(16, 48000.0f);
+    ctx.transport.tempo = 96.5;
+    ctx.transport.numerator = 7;
+    ctx.transport.denominator = 8;
+    ctx.transport.ticks = 2 * 960000 + 480000;
+    ctx.transport.sampleLocation = 123456;
+    ctx.transport.playing = false;
+    Host().Process(&ctx.context);
+    ctx.transport.playing = true;
+    ctx.transport.sampleLocation = 123472;
+    Host().Process(&ctx.context);
+
+    const auto times = record.LinesStartingWith("time ");
+    ASSERT_EQ(times.size(), 2u);
+    EXPECT_EQ(times[0], "time samplePos=123456 sampleRate=48000 ppqPos=2.500000 tempo=96.500 sig=7/8 flags=0x2600 "
+                        "barStartPos=0 nanoSeconds=0");
+    EXPECT_EQ(times[1], "time samplePos=123472 sampleRate=48000 ppqPos=2.500000 tempo=96.500 sig=7/8 flags=0x2602 "
+                        "barStartPos=0 nanoSeconds=0");
+}
+
+TEST_F(ProbeHost, EachMidiPacketIsOneEventCallWithTheSpecifiedFields)
+{
+    CTestContext ctx(64);
+    ctx.midiIn.incoming = {Packet(5, {0x90, 60, 127}), Packet(7, {0x80, 60, 64}, true), Packet(9, {0x91, 64, 100}),
+                           Packet(11, {0xC0, 5})};
+    record.Clear();
+    Host().Process(&ctx.context);
+
+    std::vector<std::string> seen;
+    for (const std::string& line : record.Lines())
+        if (line.rfind("events", 0) == 0 || line.rfind("event ", 0) == 0 || line.rfind("process", 0) == 0)
+            seen.push_back(line);
+    EXPECT_EQ(seen, (std::vector<std::string>{
+                        "events num=1",
+                        "event type=1 byteSize=3 deltaFrames=5 flags=0 noteLength=0 noteOffset=60 "
+                        "data=90 3c 7f 00 detune=0 noteOffVelocity=1",
+                        "events num=1",
+                        "event type=1 byteSize=3 deltaFrames=7 flags=1 noteLength=0 noteOffset=60 "
+                        "data=80 3c 40 00 detune=0 noteOffVelocity=0",
+                        // The real-time flag, once set, stays on the reused record.
+                        "events num=1",
+                        "event type=1 byteSize=3 deltaFrames=9 flags=1 noteLength=0 noteOffset=64 "
+                        "data=91 40 64 00 detune=0 noteOffVelocity=0",
+                        "events num=1",
+                        "event type=1 byteSize=2 deltaFrames=11 flags=1 noteLength=0 noteOffset=5 "
+                        "data=c0 05 00 00 detune=0 noteOffVelocity=0",
+                        "process frames=64 inputs=set outputs=set",
+                    }));
+}
+
+TEST_F(ProbeHost, AudioBuffersAreTheHostsOwn)
+{
+    CTestContext ctx(48);
+    Host().Process(&ctx.context);
+    for (int c = 0; c < CTestContext::kOutputs; ++c)
+        EXPECT_FLOAT_EQ(ctx.Output(c)[47], (c + 1) / 64.0f * 0.5f) << "channel " << c;
+}
+
+TEST_F(ProbeHost, AutomationFromThePluginReachesTheOwnerWithTheDecimalID)
+{
+    CTestContext ctx(64);
+    ctx.midiIn.incoming = {Packet(0, {0xB0, 21, 127}), Packet(3, {0xB0, 23, 0})};
+    Host().Process(&ctx.context);
+    ASSERT_EQ(hosted->owner.automated.size(), 2u);
+    EXPECT_EQ(hosted->owner.automated[0].first, "1");
+    EXPECT_DOUBLE_EQ(hosted->owner.automated[0].second, 1.0);
+    EXPECT_EQ(hosted->owner.automated[1].first, "3");
+    EXPECT_DOUBLE_EQ(hosted->owner.automated[1].second, 0.0);
+    EXPECT_EQ(record.LinesStartingWith("automate 1")[0], "automate 1 1 -> 0");
+}
+
+TEST_F(ProbeHost, MidiFromThePluginReachesTheOutputNode)
+{
+    CTestContext ctx(64);
+    ctx.midiIn.incoming = {Packet(4, {0x92, 70, 90}), Packet(6, {0x82, 70, 0}, true)};
+    Host().Process(&ctx.context);
+    ASSERT_EQ(ctx.midiOut.posted.size(), 2u);
+    const AAX_CMidiPacket& first = ctx.midiOut.posted[0];
+    EXPECT_EQ(first.mTimestamp, 4u);
+    EXPECT_EQ(first.mLength, 3u);
+    EXPECT_EQ(std::vector<unsigned char>(first.mData, first.mData + 3), (std::vector<unsigned char>{0x92, 70, 90}));
+    EXPECT_EQ(first.mIsImmediate, 0);
+    EXPECT_EQ(ctx.midiOut.posted[1].mTimestamp, 6u);
+    EXPECT_EQ(ctx.midiOut.posted[1].mData[0], 0x82);
+    EXPECT_EQ(ctx.midiOut.posted[1].mIsImmediate, 0);
+    EXPECT_EQ(record.LinesStartingWith("sent"), std::vector<std::string>{"sent 2 events -> 0"});
+    EXPECT_TRUE(ctx.midiIn.posted.empty());
+}
+
+TEST_F(ProbeHost, HostCallbackTable)
+{
+    AEffect* effect = Host().GetEffect();
+    char vendor[128];
+    std::memset(vendor, 'x', sizeof(vendor));
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterVersion, 0, 0, nullptr, 0), 2400);
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterIdle, 0, 0, nullptr, 0), 1);
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterGetVendorString, 0, 0, vendor, 0), 1);
+    EXPECT_STREQ(vendor, "Morvane AAX Wrapper");
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterGetTime, 0, 0, nullptr, 0), 0);
+
+    CTestContext ctx(8, 44100.0f);
+    Host().Process(&ctx.context);
+    const VstIntPtr time = CFakeHostVST2::staticHostCallback(effect, audioMasterGetTime, 0, 0, nullptr, 0);
+    ASSERT_NE(time, 0);
+    EXPECT_EQ(reinterpret_cast<const VstTimeInfo*>(time)->sampleRate, 44100.0);
+    // The rate is answered by address, as the original host did.
+    const VstIntPtr rate = CFakeHostVST2::staticHostCallback(effect, audioMasterGetSampleRate, 0, 0, nullptr, 0);
+    EXPECT_EQ(rate, reinterpret_cast<VstIntPtr>(&reinterpret_cast<const VstTimeInfo*>(time)->sampleRate));
+    for (VstInt32 opcode : std::initializer_list<VstInt32>{audioMasterCurrentId, audioMasterCanDo, audioMasterGetProductString,
+                            audioMasterGetVendorVersion, audioMasterGetBlockSize, VstInt32{9999}})
+        EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, opcode, 0, 0, nullptr, 0), 0) << opcode;
+}
+
+TEST_F(ProbeHost, OutputEventsNeedAContextAndEvents)
+{
+    VstMidiEvent event{};
+    event.type = kVstMidiType;
+    event.byteSize = 3;
+    event.midiData[0] = static_cast<char>(0x90);
+    VstEvents events{};
+    events.numEvents = 1;
+    events.events[0] = reinterpret_cast<VstEvent*>(&event);
+    AEffect* effect = Host().GetEffect();
+    // No processing call yet: nowhere to post.
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
+
+    CTestContext ctx(8);
+    Host().Process(&ctx.context);
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, nullptr, 0), 0);
+    events.numEvents = 0;
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
+    EXPECT_TRUE(ctx.midiOut.posted.empty());
+    // Outside processing, the last context's output node is used.
+    events.numEvents = 1;
+    event.byteSize = 32;
+    EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
+    ASSERT_EQ(ctx.midiOut.posted.size(), 1u);
+    EXPECT_EQ(ctx.midiOut.posted[0].mLength, 32u);
+    EXPECT_EQ(ctx.midiOut.posted[0].mData[0], 0x90);
+}
+
+TEST_F(ProbeHost, EditorOpensSizesOnFirstTickAndCloses)
+{
+    CFakeViewContainer view;
+    float width = -1.0f;
+    float height = -1.0f;
+    record.Clear();
+    Host().CreateGUI(&view);
+    EXPECT_EQ(Dispatches(), (std::vector<std::string>{
+                                "dispatch effEditGetRect index=0 value=0 opt=0",
+                                "dispatch effCanDo index=0 value=0 opt=0",
+                                "dispatch effEditOpen index=0 value=0 opt=0",
+                            }));
+    EXPECT_EQ(record.LinesStartingWith("canDo"), std::vector<std::string>{"canDo hasCockosViewAsConfig -> -1"});
+    EXPECT_EQ(record.LinesStartingWith("editor-parent"), std::vector<std::string>{"editor-parent set"});
+    EXPECT_TRUE(view.sizes.empty());
+
+    EXPECT_EQ(Host().TimerWakeup(), 0);
+    EXPECT_EQ(Host().TimerWakeup(), 0);
+    ASSERT_EQ(view.sizes.size(), 1u);
+    EXPECT_EQ(view.sizes[0].horz, 300.0f);
+    EXPECT_EQ(view.sizes[0].vert, 150.0f);
+    EXPECT_EQ(record.LinesStartingWith("dispatch effEditIdle").size(), 2u);
+
+    Host().GetViewSize(width, height);
+    EXPECT_EQ(width, 300.0f);
+    EXPECT_EQ(height, 150.0f);
+
+    record.Clear();
+    Host().QuitGUI();
+    EXPECT_EQ(Dispatches(), std::vector<std::string>{"dispatch effEditClose index=0 value=0 opt=0"});
+    Host().TimerWakeup();
+    EXPECT_EQ(view.sizes.size(), 1u);
+}
+
+TEST_F(ProbeHost, SizeWindowRequestsResizeTheOpenViewOnly)
+{
+    CTestContext ctx(16);
+    ctx.midiIn.incoming = {Packet(0, {0xB0, 24, 10})};
+    Host().Process(&ctx.context);  // no view open: answered, nothing resized
+    CFakeViewContainer view;
+    Host().CreateGUI(&view);
+    ctx.midiIn.incoming = {Packet(0, {0xB0, 24, 20}), Packet(1, {0xB0, 25, 30})};
+    Host().Process(&ctx.context);
+
+    EXPECT_EQ(record.LinesStartingWith("sizeWindow"), (std::vector<std::string>{
+                                                          "sizeWindow 210 110 -> 1",
+                                                          "sizeWindow 220 120 -> 1",
+                                                          "sizeWindow 0 130 -> 1",
+                                                      }));
+    ASSERT_EQ(view.sizes.size(), 1u);
+    EXPECT_EQ(view.sizes[0].horz, 220.0f);
+    EXPECT_EQ(view.sizes[0].vert, 120.0f);
+}
+
+TEST_F(ProbeHost, StateCarriesTheBankChunkWithTheMargin)
+{
+    Host().AddInputChangeForProcessing(0, 0.0625);
+    Host().AddInputChangeForProcessing(3, 1.0);
+    unsigned int size = 0;
+    Host().GetState(&size, nullptr);
+    ASSERT_EQ(size, 20u + CFakeHostVST2::kStateMargin);
+    EXPECT_EQ(CFakeHostVST2::kStateMargin, 60u);
+    std::vector<unsigned char> state(size, 0xEE);
+    unsigned int written = 0;
+    Host().GetState(&written, state.data());
+    EXPECT_EQ(written, size);
+    EXPECT_EQ(std::string(state.begin(), state.begin() + 4), "VPRB");
+    // Only the chunk is copied; the margin stays the caller's.
+    EXPECT_TRUE(std::all_of(state.begin() + 20, state.end(), [](unsigned char b) { return b == 0xEE; }));
+
+    HostedPlugin fresh(BuiltPlugin("vst2probe.so"));
+    fresh.host->SetState(size, state.data());
+    EXPECT_EQ(record.LinesStartingWith("setChunk"),
+              std::vector<std::string>{"setChunk index=0 size=20 head=56 50 52 42 00 00 80 3d restored"});
+    std::string name;
+    float value = -1.0f;
+    fresh.host->GetParameterInfo(0, name, value);
+    EXPECT_FLOAT_EQ(value, 0.0625f);
+    fresh.host->GetParameterInfo(3, name, value);
+    EXPECT_FLOAT_EQ(value, 1.0f);
+}
+
+TEST_F(ProbeHost, LargeChunksRoundTrip)
+{
+    setenv("VST2PROBE_CHUNK_PAD", "100000", 1);
+    unsigned int size = 0;
+    Host().GetState(&size, nullptr);
+    unsetenv("VST2PROBE_CHUNK_PAD");
+    ASSERT_EQ(size, 100020u + CFakeHostVST2::kStateMargin);
+    setenv("VST2PROBE_CHUNK_PAD", "100000", 1);
+    std::vector<unsigned char> state(size);
+    Host().GetState(&size, state.data());
+    unsetenv("VST2PROBE_CHUNK_PAD");
+    EXPECT_EQ(state[100019], static_cast<unsigned char>(100019 & 0xFF));
+    Host().SetState(size, state.data());
+    EXPECT_EQ(record.LinesStartingWith("setChunk").size(), 1u);
+    EXPECT_NE(record.LinesStartingWith("setChunk")[0].find("size=100020 "), std::string::npos);
+}
+
+TEST_F(ProbeHost, StateShorterThanTheMarginIsRefusedNotPassedOn)
+{
+    CLogCapture log({"fakehost"});
+    std::vector<unsigned char> bytes(100, 0);
+    Host().SetState(59, bytes.data());
+    Host().SetState(0, bytes.data());
+    Host().SetState(CFakeHostVST2::kStateMargin, bytes.data());
+    Host().SetState(80, nullptr);
+    EXPECT_TRUE(record.LinesStartingWith("setChunk").empty());
+    EXPECT_EQ(log.Count("SetState refused"), 4u);
+}
+
+TEST_F(ProbeHost, QuitLeavesANeutralHost)
+{
+    CLogCapture log({"fakehost"});
+    Host().Quit();
+    EXPECT_TRUE(log.Contains("[ Quit ] "));
+    EXPECT_EQ(Host().GetParameterCount(), -1);
+    EXPECT_EQ(Host().GetPluginVendor(), "");
+    CTestContext ctx(8);
+    Host().Process(&ctx.context);
+    Host().AddInputChangeForProcessing(0, 0.5);
+    unsigned int size = 1234;
+    Host().GetState(&size, nullptr);
+    EXPECT_EQ(size, 1234u);
+    Host().Quit();
+}
+
+TEST(FakeHostVST2SelfChecks, RunOnlyWithTheBundleCategoryAtDebug)
+{
+    CProbeRecord record;
+    {
+        CLogCapture log({"bundle", "init"});
+        HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+        EXPECT_TRUE(log.Contains("*** This is 64 Bit Build! ***") || log.Contains("*** This is a 64 Bit Build! ***"));
+        EXPECT_TRUE(log.Contains("VstIntPtr = 8 Bytes, VstInt32 = 4 Bytes, Pointer = 8 Bytes, AEffect = 192 Bytes"));
+        EXPECT_TRUE(log.Contains("Name = VST2 Probe"));
+        EXPECT_TRUE(log.Contains("Program 1: Probe B"));
+        EXPECT_TRUE(log.Contains("Param 2: Gamma[0.750,u] normalized = 0.75"));
+        EXPECT_TRUE(log.Contains("Iterate Program OK"));
+        EXPECT_TRUE(log.Contains("?????"));  // the probe's midiProgramNames answer of 2
+        EXPECT_EQ(log.Count("HOST> Process Replacing..."), 5u);
+        EXPECT_TRUE(log.Contains("Can-Do OK"));
+        EXPECT_TRUE(log.Contains("HOST> Done..."));
+    }
+    EXPECT_EQ(record.LinesStartingWith("process frames=512").size(), 5u);
+
+    record.Clear();
+    {
+        HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    }
+    EXPECT_TRUE(record.LinesStartingWith("process").empty());
+}
