@@ -1,0 +1,4 @@
+// Folder where the product keeps its machine-wide files (log.conf among them).
+#pragma once
+
+const char* const kDefault_Dir = "/Library/Morvane/";
