@@ -1,0 +1,111 @@
+// The library's parameter chunk through the real thing: a bundle around a
+// Debian VST 2 plug-in, loaded and driven by aaxhost, saved and restored.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "AAX_CChunkDataParser.h"
+#include "AAX_CEffectParameters.h"
+#include "ChunkBuffer.h"
+#include "StateFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kWork = fs::path(AAXLIB_E2E_WORK_DIR);
+
+int RunHost(const std::string& args)
+{
+    fs::create_directories(kWork);
+    const std::string command = std::string("\"") + AAXLIB_E2E_AAXHOST + "\" render \"" + AAXLIB_E2E_BUNDLE +
+                                "\" --seconds 0.2 --no-progress " + args + " > \"" + (kWork / "host.log").string() +
+                                "\" 2>&1";
+    return std::system(command.c_str());
+}
+
+// The elck chunk of a saved state, or an empty record when there is none.
+AAXHost::SStateChunk ElckOf(const fs::path& stateFile)
+{
+    std::vector<AAXHost::SStateChunk> chunks;
+    std::string error;
+    EXPECT_TRUE(AAXHost::ReadStateFile(stateFile.string(), chunks, error)) << error;
+    for (const auto& c : chunks)
+        if (c.id == cDefaultChunkID) return c;
+    ADD_FAILURE() << "no elck chunk in " << stateFile;
+    return AAXHost::SStateChunk();
+}
+
+AAX_CChunkDataParser Parse(const AAXHost::SStateChunk& c)
+{
+    auto chunk = aaxlib_test::MakeChunk(std::vector<unsigned char>(c.data.begin(), c.data.end()));
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(chunk.get());
+    return parser;
+}
+
+}  // namespace
+
+TEST(EndToEnd, SavedChunkHoldsTheValuesButNotTheBypass)
+{
+    const fs::path state = kWork / "set.state";
+    ASSERT_EQ(0, RunHost("-o \"" + (kWork / "set.wav").string() + "\" --bypass --set 0=0.25 --set 1=0.75 --save-state \"" +
+                         state.string() + "\""));
+    const AAXHost::SStateChunk elck = ElckOf(state);
+    EXPECT_STREQ("Complete Controls State", reinterpret_cast<const char*>(elck.name));
+    ASSERT_GE(elck.data.size(), 4u);
+    EXPECT_EQ(0, std::memcmp(elck.data.data(), "\x01\x01\x01\x01", 4));
+
+    AAX_CChunkDataParser parser = Parse(elck);
+    double value = 0;
+    EXPECT_TRUE(parser.FindDouble("0", &value));
+    EXPECT_DOUBLE_EQ(0.25, value);
+    EXPECT_TRUE(parser.FindDouble("1", &value));
+    EXPECT_DOUBLE_EQ(0.75, value);
+    int32_t bypass = 0;
+    EXPECT_FALSE(parser.FindInt32("MasterBypassID", &bypass));
+    EXPECT_EQ(-1, parser.FindName(AAX_CString("MasterBypassID")));
+}
+
+TEST(EndToEnd, RestoredChunkSavesBackIdentically)
+{
+    const fs::path first = kWork / "first.state";
+    const fs::path second = kWork / "second.state";
+    ASSERT_EQ(0, RunHost("-o \"" + (kWork / "a.wav").string() + "\" --set 0=0.3 --set 2=0.6 --save-state \"" +
+                         first.string() + "\""));
+    ASSERT_EQ(0, RunHost("-o \"" + (kWork / "b.wav").string() + "\" --load-state \"" + first.string() +
+                         "\" --save-state \"" + second.string() + "\""));
+    const auto a = ElckOf(first);
+    const auto b = ElckOf(second);
+    EXPECT_EQ(a.data, b.data);
+    double value = 0;
+    AAX_CChunkDataParser parser = Parse(b);
+    EXPECT_TRUE(parser.FindDouble("2", &value));
+    EXPECT_NEAR(0.6, value, 1e-6);
+}
+
+TEST(EndToEnd, DamagedChunkIsHarmless)
+{
+    const fs::path good = kWork / "good.state";
+    ASSERT_EQ(0, RunHost("-o \"" + (kWork / "c.wav").string() + "\" --save-state \"" + good.string() + "\""));
+    std::vector<AAXHost::SStateChunk> chunks;
+    std::string error;
+    ASSERT_TRUE(AAXHost::ReadStateFile(good.string(), chunks, error)) << error;
+
+    // Cut the elck data mid-value, and break the header of a copy.
+    for (int variant = 0; variant < 2; ++variant) {
+        auto damaged = chunks;
+        for (auto& c : damaged) {
+            if (c.id != cDefaultChunkID) continue;
+            if (variant == 0) c.data.resize(c.data.size() > 10 ? 10 : c.data.size());
+            else if (!c.data.empty()) c.data[0] = 7;
+        }
+        const fs::path bad = kWork / ("bad" + std::to_string(variant) + ".state");
+        ASSERT_TRUE(AAXHost::WriteStateFile(bad.string(), damaged, error)) << error;
+        EXPECT_EQ(0, RunHost("-o \"" + (kWork / "d.wav").string() + "\" --load-state \"" + bad.string() + "\""))
+            << "variant " << variant;
+    }
+}

@@ -1,0 +1,255 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "AAX_CChunkDataParser.h"
+#include "ChunkBuffer.h"
+
+using aaxlib_test::DataOf;
+using aaxlib_test::MakeChunk;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+Bytes Serialize(const AAX_CChunkDataParser& parser)
+{
+    auto chunk = MakeChunk(parser.GetChunkDataSize());
+    EXPECT_EQ(0, parser.GetChunkData(chunk.get()));
+    EXPECT_EQ(parser.GetChunkDataSize(), chunk->fSize);
+    return DataOf(*chunk);
+}
+
+void Append(Bytes& out, const std::string& s) { out.insert(out.end(), s.begin(), s.end()); }
+void Append(Bytes& out, std::initializer_list<unsigned char> b) { out.insert(out.end(), b); }
+
+// Every tag once, as the writer must lay them out.
+AAX_CChunkDataParser AllTypes()
+{
+    AAX_CChunkDataParser p;
+    p.AddFloat("Gain", 1.0f);
+    p.AddInt32("ab", -2);
+    p.AddDouble("abc", 1.5);
+    p.AddInt16("x", 0x1234);
+    p.AddString("s", AAX_CString("abc"));
+    p.AddString("t", AAX_CString("ab"));
+    p.AddDouble("last", -0.25);
+    return p;
+}
+
+Bytes AllTypesBytes()
+{
+    Bytes b = {1, 1, 1, 1};
+    Append(b, std::string("f_Gain\0\0", 8));
+    Append(b, {0x3F, 0x80, 0x00, 0x00});
+    Append(b, std::string("l_ab\0\0\0\0", 8));
+    Append(b, {0xFF, 0xFF, 0xFF, 0xFE});
+    Append(b, std::string("d_abc\0\0\0", 8));
+    Append(b, {0x3F, 0xF8, 0, 0, 0, 0, 0, 0});
+    Append(b, std::string("s_x\0", 4));
+    Append(b, {0x12, 0x34, 0x00, 0x00});
+    Append(b, std::string("r_s\0", 4));
+    Append(b, std::string("abc\0", 4));
+    Append(b, std::string("r_t\0", 4));
+    Append(b, std::string("ab\0\0", 4));
+    Append(b, std::string("d_last\0\0", 8));
+    Append(b, {0xBF, 0xD0, 0, 0, 0, 0, 0, 0});
+    return b;
+}
+
+void ExpectSameEntry(const AAX_CChunkDataParser::DataValue& a, const AAX_CChunkDataParser::DataValue& b)
+{
+    EXPECT_EQ(a.mDataType, b.mDataType);
+    EXPECT_EQ(a.mDataName.StdString(), b.mDataName.StdString());
+    EXPECT_EQ(a.mIntValue, b.mIntValue);
+    EXPECT_EQ(a.mStringValue.StdString(), b.mStringValue.StdString());
+}
+
+}  // namespace
+
+TEST(ChunkParser, EmptyParserIsTheBareHeader)
+{
+    AAX_CChunkDataParser parser;
+    EXPECT_EQ(4, parser.GetChunkDataSize());
+    EXPECT_EQ((Bytes{1, 1, 1, 1}), Serialize(parser));
+
+    auto chunk = MakeChunk(Bytes{1, 1, 1, 1});
+    parser.AddFloat("stale", 2.0f);
+    parser.LoadChunk(chunk.get());
+    EXPECT_TRUE(parser.IsEmpty());
+}
+
+TEST(ChunkParser, SingleFloatIsByteExact)
+{
+    AAX_CChunkDataParser parser;
+    parser.AddFloat("Gain", 1.0f);
+    EXPECT_EQ(16, parser.GetChunkDataSize());
+    EXPECT_EQ((Bytes{1, 1, 1, 1, 'f', '_', 'G', 'a', 'i', 'n', 0, 0, 0x3F, 0x80, 0, 0}), Serialize(parser));
+}
+
+TEST(ChunkParser, EveryTagIsByteExactWithZeroPadding)
+{
+    const AAX_CChunkDataParser parser = AllTypes();
+    const Bytes expected = AllTypesBytes();
+    EXPECT_EQ(static_cast<int32_t>(expected.size()), parser.GetChunkDataSize());
+
+    // Pre-fill with garbage: padding must come out zero regardless.
+    auto chunk = MakeChunk(parser.GetChunkDataSize());
+    std::memset(chunk->fData, 0xAB, static_cast<size_t>(chunk->fSize));
+    ASSERT_EQ(0, parser.GetChunkData(chunk.get()));
+    EXPECT_EQ(expected, DataOf(*chunk));
+}
+
+TEST(ChunkParser, ReadBackKeepsValuesAndTheStringPaddingQuirk)
+{
+    auto chunk = MakeChunk(AllTypesBytes());
+    chunk->fVersion = 7;
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(chunk.get());
+    EXPECT_EQ(7, parser.GetChunkVersion());
+
+    // "abc" + terminator fills its slot exactly; "ab" leaves one padding
+    // byte, read back as one untyped entry with an empty name.
+    ASSERT_EQ(8u, parser.NumEntries());
+    const char* names[] = {"Gain", "ab", "abc", "x", "s", "t", "", "last"};
+    const int32_t types[] = {1, 2, 3, 4, 5, 5, 0, 3};
+    for (size_t i = 0; i < parser.NumEntries(); ++i) {
+        EXPECT_EQ(names[i], parser.Entry(i).mDataName.StdString()) << i;
+        EXPECT_EQ(types[i], parser.Entry(i).mDataType) << i;
+    }
+
+    float f = 0;
+    int32_t l = 0;
+    double d = 0;
+    int16_t s = 0;
+    AAX_CString text;
+    EXPECT_TRUE(parser.FindFloat("Gain", &f));
+    EXPECT_EQ(1.0f, f);
+    EXPECT_TRUE(parser.FindInt32("ab", &l));
+    EXPECT_EQ(-2, l);
+    EXPECT_TRUE(parser.FindDouble("abc", &d));
+    EXPECT_EQ(1.5, d);
+    EXPECT_TRUE(parser.FindInt16("x", &s));
+    EXPECT_EQ(0x1234, s);
+    EXPECT_TRUE(parser.FindString("t", &text));
+    EXPECT_EQ("ab", text.StdString());
+    EXPECT_TRUE(parser.FindDouble("last", &d));  // found after the quirk entry
+    EXPECT_EQ(-0.25, d);
+
+    // Wrong type or absent name: not found.
+    EXPECT_FALSE(parser.FindDouble("Gain", &d));
+    EXPECT_FALSE(parser.FindFloat("nope", &f));
+}
+
+TEST(ChunkParser, SizesFollowTheLayoutRules)
+{
+    AAX_CChunkDataParser p;
+    p.AddDouble("abc", 0.0);  // 2+3+1 = 6 -> 8, then 8
+    EXPECT_EQ(4 + 8 + 8, p.GetChunkDataSize());
+    p.Clear();
+    p.AddString("n", AAX_CString(""));  // "r_n\0" then "\0" padded to 4
+    EXPECT_EQ(4 + 4 + 4, p.GetChunkDataSize());
+    p.Clear();
+    p.AddInt16("abcd", -1);  // 2+4+1 = 7 -> 8, then 4
+    EXPECT_EQ(Bytes({1, 1, 1, 1, 's', '_', 'a', 'b', 'c', 'd', 0, 0, 0xFF, 0xFF, 0, 0}), Serialize(p));
+    EXPECT_EQ(0, AAX_CChunkDataParser::WordAlign(0));
+    EXPECT_EQ(8, AAX_CChunkDataParser::WordAlign(5));
+    EXPECT_EQ(8, AAX_CChunkDataParser::WordAlign(8));
+}
+
+// A chunk cut at every possible length parses to a prefix of the full
+// entry list and never reads past its end (the buffer is exactly fSize).
+TEST(ChunkParser, TruncatedAtEveryLengthStopsCleanly)
+{
+    const Bytes full = AllTypesBytes();
+    AAX_CChunkDataParser reference;
+    reference.LoadChunk(MakeChunk(full).get());
+
+    for (size_t length = 0; length <= full.size(); ++length) {
+        auto chunk = MakeChunk(Bytes(full.begin(), full.begin() + static_cast<long>(length)));
+        AAX_CChunkDataParser parser;
+        parser.LoadChunk(chunk.get());
+        ASSERT_LE(parser.NumEntries(), reference.NumEntries()) << length;
+        for (size_t i = 0; i < parser.NumEntries(); ++i) {
+            SCOPED_TRACE("length " + std::to_string(length) + " entry " + std::to_string(i));
+            // The last entry may be a name whose tail was cut off; whole
+            // entries before it must match exactly.
+            if (i + 1 < parser.NumEntries() || parser.Entry(i).mDataType != 0)
+                ExpectSameEntry(reference.Entry(i), parser.Entry(i));
+        }
+    }
+}
+
+TEST(ChunkParser, BadHeadersAndSizesGiveAnEmptyList)
+{
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(nullptr);
+    EXPECT_TRUE(parser.IsEmpty());
+
+    for (const Bytes& data : {Bytes{}, Bytes{1}, Bytes{1, 1, 1, 1}, Bytes{1, 1, 1, 2, 'f', '_', 'a', 0, 0, 0, 0, 0},
+                              Bytes{0, 0, 0, 0, 'f', '_', 'a', 0, 0, 0, 0, 0}}) {
+        parser.AddInt32("stale", 1);
+        parser.LoadChunk(MakeChunk(data).get());
+        EXPECT_TRUE(parser.IsEmpty()) << data.size();
+    }
+
+    // A negative stated size.
+    auto chunk = MakeChunk(Bytes{1, 1, 1, 1, 'f', '_'});
+    chunk->fSize = -100;
+    parser.LoadChunk(chunk.get());
+    EXPECT_TRUE(parser.IsEmpty());
+}
+
+TEST(ChunkParser, UnterminatedAndOverlongNamesStayInBounds)
+{
+    // No terminator anywhere: one untyped entry at most, no over-read.
+    Bytes unterminated = {1, 1, 1, 1};
+    unterminated.insert(unterminated.end(), 300, 'a');
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(MakeChunk(unterminated).get());
+    for (size_t i = 0; i < parser.NumEntries(); ++i) EXPECT_EQ(0, parser.Entry(i).mDataType);
+
+    // A float with a 300-character name: the name buffer holds 255 bytes, so
+    // the reader resumes inside the name; the real value is then misread,
+    // but everything stays within the chunk.
+    Bytes overlong = {1, 1, 1, 1, 'f', '_'};
+    overlong.insert(overlong.end(), 300, 'n');
+    overlong.resize(AAX_CChunkDataParser::WordAlign(static_cast<int32_t>(overlong.size()) + 1), 0);
+    Append(overlong, {0x3F, 0x80, 0, 0});
+    parser.LoadChunk(MakeChunk(overlong).get());
+    ASSERT_FALSE(parser.IsEmpty());
+    EXPECT_EQ(253u, parser.Entry(0).mDataName.Length());
+
+    // A string value without its terminator is dropped.
+    Bytes openString = {1, 1, 1, 1, 'r', '_', 'a', 0, 'x', 'y', 'z', 'w'};
+    parser.LoadChunk(MakeChunk(openString).get());
+    AAX_CString s;
+    EXPECT_FALSE(parser.FindString("a", &s));
+}
+
+TEST(ChunkParser, UnknownTagIsSkippedAndParsingGoesOn)
+{
+    Bytes data = {1, 1, 1, 1};
+    Append(data, std::string("x_odd\0\0\0", 8));
+    Append(data, std::string("l_n\0", 4));
+    Append(data, {0, 0, 0, 42});
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(MakeChunk(data).get());
+    ASSERT_EQ(2u, parser.NumEntries());
+    EXPECT_EQ(0, parser.Entry(0).mDataType);
+    EXPECT_EQ("odd", parser.Entry(0).mDataName.StdString());
+    int32_t v = 0;
+    EXPECT_TRUE(parser.FindInt32("n", &v));
+    EXPECT_EQ(42, v);
+}
+
+TEST(ChunkParser, WriteReadWriteIsStable)
+{
+    const AAX_CChunkDataParser original = AllTypes();
+    const Bytes first = Serialize(original);
+    AAX_CChunkDataParser reread;
+    reread.LoadChunk(MakeChunk(first).get());
+    // The untyped read-back entry is not written again.
+    EXPECT_EQ(first, Serialize(reread));
+}

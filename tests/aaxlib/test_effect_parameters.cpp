@@ -1,0 +1,373 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "AAX_CString.h"
+#include "ChunkBuffer.h"
+#include "HostDoubles.h"
+#include "TestEffect.h"
+
+using aaxlib_test::HostController;
+using aaxlib_test::MakeChunk;
+using aaxlib_test::TestEffect;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+// Creates and initialises an effect the way a host does, and tears it down
+// the same way, checking that every reference comes back.
+struct EffectFixture : ::testing::Test {
+    HostController host;
+    TestEffect* effect = nullptr;
+    AAX_IEffectParameters* iface = nullptr;
+    int32_t activeBefore = 0;
+
+    void SetUp() override { activeBefore = CACFUnknown::GetActiveObjectCount(); }
+
+    void Start(bool withPreview = false, bool hostAnswersRequests = true)
+    {
+        AAX_CreateEffectParametersProc create = reinterpret_cast<AAX_CreateEffectParametersProc>(&TestEffect::Create);
+        iface = create();
+        effect = dynamic_cast<TestEffect*>(iface);
+        ASSERT_NE(nullptr, effect);
+        effect->withPreview = withPreview;
+        void* p = nullptr;
+        ASSERT_EQ(ACF_OK, iface->QueryInterface(IID_IAAXEffectParametersV1, &p));
+        ASSERT_EQ(static_cast<void*>(static_cast<AAX_IACFEffectParameters*>(iface)), p);
+        if (hostAnswersRequests) host.effect = iface;
+        ASSERT_EQ(AAX_SUCCESS, iface->Initialize(static_cast<AAX_IACFController*>(&host)));
+        host.posts.clear();
+    }
+
+    void TearDown() override
+    {
+        if (iface != nullptr) {
+            iface->Uninitialize();
+            EXPECT_EQ(0u, iface->Release());
+        }
+        EXPECT_EQ(0, host.counter.refs);
+        EXPECT_EQ(activeBefore, CACFUnknown::GetActiveObjectCount());
+    }
+
+    aaxlib_test::ChunkPtr SaveElck()
+    {
+        uint32_t size = 0;
+        EXPECT_EQ(AAX_SUCCESS, iface->GetChunkSize(cDefaultChunkID, &size));
+        auto chunk = MakeChunk(static_cast<int32_t>(size));
+        chunk->fChunkID = cDefaultChunkID;
+        EXPECT_EQ(AAX_SUCCESS, iface->GetChunk(cDefaultChunkID, chunk.get()));
+        return chunk;
+    }
+
+    double Normalized(const char* id)
+    {
+        double v = -1;
+        EXPECT_EQ(AAX_SUCCESS, iface->GetParameterNormalizedValue(id, &v));
+        return v;
+    }
+};
+
+}  // namespace
+
+TEST_F(EffectFixture, InitializeWiresProxiesAndLeavesBypassOutOfChunks)
+{
+    Start();
+    EXPECT_NE(nullptr, effect->Controller());
+    EXPECT_NE(nullptr, effect->Transport());
+    EXPECT_NE(nullptr, effect->AutomationDelegate());
+    AAX_CSampleRate rate = 0;
+    EXPECT_EQ(AAX_SUCCESS, effect->Controller()->GetSampleRate(&rate));
+    EXPECT_EQ(48000.0f, rate);
+
+    AAX_CString bypass;
+    EXPECT_EQ(AAX_SUCCESS, iface->GetMasterBypassParameter(&bypass));
+    EXPECT_EQ("MasterBypassID", bypass.StdString());
+    EXPECT_EQ(1u, effect->LeftOut().count("MasterBypassID"));
+    // Every parameter was registered with the host's automation.
+    EXPECT_EQ((std::vector<std::string>{"MasterBypassID", "0", "1", "2"}), host.registered);
+}
+
+TEST_F(EffectFixture, WithoutHostInterfacesEverythingStillWorks)
+{
+    host.answerController = host.answerAutomation = host.answerTransport = false;
+    Start();
+    EXPECT_EQ(nullptr, effect->Controller());
+    EXPECT_EQ(nullptr, effect->Transport());
+    EXPECT_EQ(nullptr, effect->AutomationDelegate());
+    // No automation: edits take effect at once.
+    EXPECT_EQ(AAX_SUCCESS, iface->SetParameterNormalizedValue("0", 0.25));
+    EXPECT_DOUBLE_EQ(0.25, Normalized("0"));
+    EXPECT_EQ(AAX_ERROR_NULL_OBJECT, iface->GenerateCoefficients());
+}
+
+TEST_F(EffectFixture, EffectInitErrorIsReturned)
+{
+    iface = TestEffect::Create();
+    effect = dynamic_cast<TestEffect*>(iface);
+    effect->initResult = AAX_ERROR_NULL_OBJECT;
+    iface->AddRef();
+    EXPECT_EQ(AAX_ERROR_NULL_OBJECT, iface->Initialize(static_cast<AAX_IACFController*>(&host)));
+}
+
+TEST_F(EffectFixture, UnknownIdentifiersAnswerInvalidParameterID)
+{
+    Start();
+    int32_t changes = -1;
+    iface->GetNumberOfChanges(&changes);
+    const int32_t before = changes;
+
+    AAX_CString s;
+    double d = 0;
+    int32_t i = 0;
+    AAX_CBoolean b = 0;
+    AAX_EParameterType type;
+    AAX_EParameterOrientation orientation;
+    const AAX_Result kBad = AAX_ERROR_INVALID_PARAMETER_ID;
+    EXPECT_EQ(kBad, iface->UpdateParameterNormalizedValue("nope", 0.3, AAX_eUpdateSource_Parameter));
+    EXPECT_EQ(kBad, iface->GetParameterName("nope", &s));
+    EXPECT_EQ(kBad, iface->GetParameterNameOfLength("nope", &s, 4));
+    EXPECT_EQ(kBad, iface->GetParameterNumberOfSteps("nope", &i));
+    EXPECT_EQ(kBad, iface->GetParameterValueString("nope", &s, 8));
+    EXPECT_EQ(kBad, iface->GetParameterValueFromString("nope", &d, AAX_CString("1")));
+    EXPECT_EQ(kBad, iface->GetParameterStringFromValue("nope", 0.5, &s, 8));
+    EXPECT_EQ(kBad, iface->GetParameterNormalizedValue("nope", &d));
+    EXPECT_EQ(kBad, iface->GetParameterDefaultNormalizedValue("nope", &d));
+    EXPECT_EQ(kBad, iface->SetParameterDefaultNormalizedValue("nope", 0.5));
+    EXPECT_EQ(kBad, iface->SetParameterNormalizedValue("nope", 0.5));
+    EXPECT_EQ(kBad, iface->GetParameterIsAutomatable("nope", &b));
+    EXPECT_EQ(kBad, iface->GetParameterType("nope", &type));
+    EXPECT_EQ(kBad, iface->GetParameterOrientation("nope", &orientation));
+    EXPECT_EQ(kBad, iface->GetParameterIndex("nope", &i));
+    EXPECT_EQ(kBad, iface->TouchParameter("nope"));
+    EXPECT_EQ(kBad, iface->ReleaseParameter("nope"));
+    EXPECT_EQ(kBad, iface->GetParameterName(nullptr, &s));
+
+    iface->GetNumberOfChanges(&changes);
+    EXPECT_EQ(before, changes);
+}
+
+TEST_F(EffectFixture, QueriesForwardToTheParameter)
+{
+    Start();
+    int32_t count = 0, steps = 0, index = -1;
+    AAX_CString s;
+    double d = 0;
+    iface->GetNumberOfParameters(&count);
+    EXPECT_EQ(4, count);
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterNumberOfSteps("1", &steps));
+    EXPECT_EQ(128, steps);
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterName("1", &s));
+    EXPECT_EQ("Cutoff", s.StdString());
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterIndex("2", &index));
+    EXPECT_EQ(3, index);
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterIDFromIndex(1, &s));
+    EXPECT_EQ("0", s.StdString());
+    EXPECT_EQ(AAX_ERROR_INVALID_PARAMETER_ID, iface->GetParameterIDFromIndex(9, &s));
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterValueString("2", &s, 16));
+    EXPECT_EQ("On", s.StdString());
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterStringFromValue("1", 1.0, &s, 16));
+    EXPECT_EQ("20000.00", s.StdString());
+    EXPECT_EQ(AAX_SUCCESS, iface->GetParameterValueFromString("1", &d, AAX_CString("10010")));
+    EXPECT_DOUBLE_EQ(0.5, d);
+    EXPECT_EQ(AAX_ERROR_INVALID_STRING_CONVERSION, iface->GetParameterValueFromString("2", &d, AAX_CString("maybe")));
+}
+
+TEST_F(EffectFixture, EditsFromThePlugInTouchSetAndRelease)
+{
+    Start();
+    host.events.clear();
+    EXPECT_EQ(AAX_SUCCESS, iface->TouchParameter("0"));
+    EXPECT_EQ(AAX_SUCCESS, iface->SetParameterNormalizedValue("0", 0.8));
+    EXPECT_EQ(AAX_SUCCESS, iface->ReleaseParameter("0"));
+    EXPECT_EQ((std::vector<std::string>{"touch 0", "touch 0", "set 0", "release 0", "release 0"}), host.events);
+    // The host answered the request through UpdateParameterNormalizedValue.
+    EXPECT_NEAR(0.8, Normalized("0"), 1e-6);
+    int32_t changes = 0;
+    iface->GetNumberOfChanges(&changes);
+    EXPECT_EQ(1, changes);
+}
+
+TEST_F(EffectFixture, PacketsAreSentOncePerDirtyParameter)
+{
+    Start();
+    // Registered packets start dirty: the first dispatch sends them all.
+    EXPECT_EQ(AAX_SUCCESS, iface->GenerateCoefficients());
+    ASSERT_EQ(2u, host.posts.size());
+    host.posts.clear();
+    EXPECT_EQ(AAX_SUCCESS, iface->GenerateCoefficients());
+    EXPECT_TRUE(host.posts.empty());
+
+    iface->UpdateParameterNormalizedValue("0", 0.25, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("0", 0.75, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("1", 0.75, AAX_eUpdateSource_Parameter);  // no packet registered
+    iface->GenerateCoefficients();
+    ASSERT_EQ(1u, host.posts.size());
+    EXPECT_EQ(1, host.posts[0].field);
+    ASSERT_EQ(4u, host.posts[0].bytes.size());
+    float sent = 0;
+    std::memcpy(&sent, host.posts[0].bytes.data(), 4);
+    EXPECT_FLOAT_EQ(0.75f, sent);
+
+    // A switch travels as a 4-byte integer (the bypass field).
+    host.posts.clear();
+    iface->UpdateParameterNormalizedValue("MasterBypassID", 1.0, AAX_eUpdateSource_Parameter);
+    iface->GenerateCoefficients();
+    ASSERT_EQ(1u, host.posts.size());
+    EXPECT_EQ(0, host.posts[0].field);
+    int32_t bypass = 0;
+    ASSERT_EQ(4u, host.posts[0].bytes.size());
+    std::memcpy(&bypass, host.posts[0].bytes.data(), 4);
+    EXPECT_EQ(1, bypass);
+}
+
+TEST_F(EffectFixture, DispatcherHandlerFailureSendsNothing)
+{
+    Start();
+    // Parameter id unknown to the effect: the standard handler fails.
+    effect->Dispatcher().RegisterPacket("ghost", 5);
+    iface->GenerateCoefficients();
+    for (const auto& post : host.posts) EXPECT_NE(5, post.field);
+    AAX_CPacket packet(5);
+    EXPECT_EQ(AAX_ERROR_NULL_OBJECT, effect->Dispatcher().GenerateSingleValuePacket("ghost", packet));
+}
+
+TEST_F(EffectFixture, DefaultChunkIsByteExactWithoutBypass)
+{
+    Start();
+    iface->UpdateParameterNormalizedValue("MasterBypassID", 1.0, AAX_eUpdateSource_Parameter);
+    auto chunk = SaveElck();
+    EXPECT_STREQ("Complete Controls State", reinterpret_cast<const char*>(chunk->fName));
+    EXPECT_EQ(AAX_CChunkDataParser::kDefaultChunkVersion, chunk->fVersion);
+
+    Bytes expected = {1, 1, 1, 1, 'd', '_', '0', 0, 0x3F, 0xE0, 0, 0, 0, 0, 0, 0,    // "0" = 0.5 as double
+                      'd', '_', '1', 0, 0x40, 0x34, 0, 0, 0, 0, 0, 0,                   // "1" = 20.0
+                      'l', '_', '2', 0, 0, 0, 0, 1};                                    // "2" = true
+    EXPECT_EQ(expected, aaxlib_test::DataOf(*chunk));
+}
+
+TEST_F(EffectFixture, ChunkIndexAndIdentifierErrors)
+{
+    Start();
+    int32_t n = 0;
+    AAX_CTypeID id = 123;
+    uint32_t size = 99;
+    iface->GetNumberOfChunks(&n);
+    EXPECT_EQ(1, n);
+    EXPECT_EQ(AAX_SUCCESS, iface->GetChunkIDFromIndex(0, &id));
+    EXPECT_EQ(cDefaultChunkID, id);
+    EXPECT_EQ(AAX_ERROR_INVALID_CHUNK_INDEX, iface->GetChunkIDFromIndex(1, &id));
+    EXPECT_EQ(0u, id);
+    EXPECT_EQ(AAX_ERROR_INVALID_CHUNK_ID, iface->GetChunkSize(AAX_FourCC("TvV2"), &size));
+    EXPECT_EQ(0u, size);
+
+    auto chunk = MakeChunk(64);
+    EXPECT_EQ(AAX_ERROR_INVALID_CHUNK_ID, iface->GetChunk(AAX_FourCC("TvV2"), chunk.get()));
+    // Asking for the data before its size is refused.
+    EXPECT_EQ(AAX_ERROR_INCORRECT_CHUNK_SIZE, iface->GetChunk(cDefaultChunkID, chunk.get()));
+
+    // Another chunk ID is refused and changes nothing.
+    auto saved = SaveElck();
+    iface->UpdateParameterNormalizedValue("0", 0.1, AAX_eUpdateSource_Parameter);
+    EXPECT_EQ(AAX_ERROR_INVALID_CHUNK_ID, iface->SetChunk(AAX_FourCC("TvV2"), saved.get()));
+    EXPECT_NEAR(0.1, Normalized("0"), 1e-6);
+}
+
+TEST_F(EffectFixture, RestoreGoesThroughTheSettersAndSkipsBypass)
+{
+    Start();
+    iface->UpdateParameterNormalizedValue("0", 0.3, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("1", 1.0, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("2", 0.0, AAX_eUpdateSource_Parameter);
+    auto saved = SaveElck();
+
+    iface->UpdateParameterNormalizedValue("0", 0.9, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("1", 0.0, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("2", 1.0, AAX_eUpdateSource_Parameter);
+    iface->GenerateCoefficients();
+    host.setRequests.clear();
+    host.posts.clear();
+
+    EXPECT_EQ(AAX_SUCCESS, iface->SetChunk(cDefaultChunkID, saved.get()));
+    EXPECT_NEAR(0.3, Normalized("0"), 1e-6);
+    EXPECT_DOUBLE_EQ(1.0, Normalized("1"));
+    EXPECT_DOUBLE_EQ(0.0, Normalized("2"));
+    // Each value reached the host as a set-value request, and will reach
+    // the algorithm at the next dispatch.
+    EXPECT_EQ(3u, host.setRequests.size());
+    iface->GenerateCoefficients();
+    EXPECT_EQ(1u, host.posts.size());
+
+    // A chunk carrying a bypass value does not touch the bypass.
+    AAX_CChunkDataParser parser;
+    parser.AddInt32("MasterBypassID", 1);
+    auto withBypass = MakeChunk(parser.GetChunkDataSize());
+    parser.GetChunkData(withBypass.get());
+    EXPECT_EQ(AAX_SUCCESS, iface->SetChunk(cDefaultChunkID, withBypass.get()));
+    EXPECT_DOUBLE_EQ(0.0, Normalized("MasterBypassID"));
+    EXPECT_NEAR(0.3, Normalized("0"), 1e-6);  // absent values stay
+}
+
+TEST_F(EffectFixture, CompareActiveChunkComparesValueByValue)
+{
+    Start();
+    auto saved = SaveElck();
+    AAX_CBoolean equal = 0;
+    EXPECT_EQ(AAX_SUCCESS, iface->CompareActiveChunk(saved.get(), &equal));
+    EXPECT_EQ(1, equal);
+
+    iface->UpdateParameterNormalizedValue("2", 0.0, AAX_eUpdateSource_Parameter);
+    EXPECT_EQ(AAX_SUCCESS, iface->CompareActiveChunk(saved.get(), &equal));
+    EXPECT_EQ(0, equal);
+
+    // The bypass is not part of the comparison.
+    iface->UpdateParameterNormalizedValue("2", 1.0, AAX_eUpdateSource_Parameter);
+    iface->UpdateParameterNormalizedValue("MasterBypassID", 1.0, AAX_eUpdateSource_Parameter);
+    EXPECT_EQ(AAX_SUCCESS, iface->CompareActiveChunk(saved.get(), &equal));
+    EXPECT_EQ(1, equal);
+
+    // Any other chunk is reported equal.
+    saved->fChunkID = AAX_FourCC("TvV2");
+    iface->UpdateParameterNormalizedValue("0", 0.0, AAX_eUpdateSource_Parameter);
+    equal = 0;
+    EXPECT_EQ(AAX_SUCCESS, iface->CompareActiveChunk(saved.get(), &equal));
+    EXPECT_EQ(1, equal);
+}
+
+TEST_F(EffectFixture, PreviewNotificationSetsThePreviewSwitch)
+{
+    Start(/*withPreview=*/true);
+    const int32_t five = 5, zero = 0;
+    EXPECT_EQ(AAX_SUCCESS, iface->NotificationReceived(AAX_eNotificationEvent_ASPreviewState, &five, 4));
+    EXPECT_DOUBLE_EQ(1.0, Normalized("PreviewID"));
+    EXPECT_EQ(AAX_SUCCESS, iface->NotificationReceived(AAX_eNotificationEvent_ASPreviewState, &zero, 4));
+    EXPECT_DOUBLE_EQ(0.0, Normalized("PreviewID"));
+    EXPECT_EQ(AAX_SUCCESS, iface->NotificationReceived(AAX_FourCC("abcd"), &five, 4));
+    EXPECT_DOUBLE_EQ(0.0, Normalized("PreviewID"));
+}
+
+TEST_F(EffectFixture, PreviewNotificationWithoutPreviewParameterIsIgnored)
+{
+    Start();
+    host.events.clear();
+    const int32_t five = 5;
+    EXPECT_EQ(AAX_SUCCESS, iface->NotificationReceived(AAX_eNotificationEvent_ASPreviewState, &five, 4));
+    EXPECT_EQ(AAX_SUCCESS, iface->NotificationReceived(AAX_eNotificationEvent_ASPreviewState, nullptr, 0));
+    EXPECT_TRUE(host.events.empty());
+}
+
+TEST_F(EffectFixture, ResetFieldDataZeroesTheBlock)
+{
+    Start();
+    unsigned char block[8];
+    std::memset(block, 0xEE, sizeof(block));
+    EXPECT_EQ(0, iface->ResetFieldData(8, block, sizeof(block)));
+    for (unsigned char c : block) EXPECT_EQ(0, c);
+}
+
+TEST_F(EffectFixture, ReleasedWithoutUninitializeGivesEverythingBack)
+{
+    Start();
+    EXPECT_EQ(0u, iface->Release());
+    iface = nullptr;  // TearDown checks the host's references and the object count
+}
