@@ -1,0 +1,86 @@
+// The plug-in's editor inside the window the AAX host provides.
+#include "vst3/CFakeHostVST3.h"
+
+#include "AAX_IViewContainer.h"
+#include "logger/CLog.h"
+#include "vst3/CPlugFrame.h"
+#include "vst3/CVST3Loader.h"
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
+{
+    if (!container)
+        return;
+    FIDString platformType = nullptr;
+    const int32_t type = container->GetType();
+    switch (type) {
+    case AAX_eViewContainer_Type_HWND:
+        MV_LOG_AT("gui", kLogDebug, "CreateGUI", "View container type HWND");
+        platformType = kPlatformTypeHWND;
+        break;
+    case AAX_eViewContainer_Type_NSView:
+        MV_LOG_AT("gui", kLogDebug, "CreateGUI", "View container type NSView");
+        platformType = kPlatformTypeNSView;
+        break;
+    case AAX_eViewContainer_Type_UIView:
+        MV_LOG("gui", kLogDebug, "View container type UIView");
+        MV_LOG_AT("fakehost", kLogError, "CreateGUI", "UIView container: attached as HIView");
+        platformType = kPlatformTypeHIView;
+        break;
+    case AAX_eViewContainer_Type_NULL:
+        MV_LOG_AT("gui", kLogError, "CreateGUI", "View container without type");
+        break;
+    default:
+        MV_LOG_AT("fakehost", kLogError, "CreateGUI", "Unknown view container type ", type);
+        break;
+    }
+
+    IEditController* controller = mVst3Loader ? mVst3Loader->getController() : nullptr;
+    if (!mView && controller) {
+        auto lock = mVst3Loader->lockControllerAccess();
+        mView = controller->createView(ViewType::kEditor);
+    }
+    if (!mView) {
+        MV_LOG("gui", kLogError, "Standard View not created by Controller");
+        return;
+    }
+    void* parent = container->GetPtr();
+    if (!parent) {
+        MV_LOG("gui", kLogError, "Standard View not created by Controller");
+        return;
+    }
+    mView->attached(parent, platformType);
+
+    // A second CreateGUI replaces the frame: the old one must not leak.
+    CPlugFrame* previous = mPlugFrame;
+    mPlugFrame = new CPlugFrame(container);
+    mView->setFrame(mPlugFrame);
+    delete previous;
+}
+
+void CFakeHostVST3::QuitGUI()
+{
+    if (!mView)
+        return;
+    IPlugView* view = mView;
+    CPlugFrame* frame = mPlugFrame;
+    mView = nullptr;
+    mPlugFrame = nullptr;
+    view->setFrame(nullptr);
+    view->removed();
+    delete frame;
+    const uint32 ret = view->release();
+    MV_COND_ASSERT("fakehost", ret == 0, "ret == 0", " mView not released");
+}
+
+void CFakeHostVST3::GetViewSize(float& outWidth, float& outHeight)
+{
+    if (!mView)
+        return;
+    ViewRect rect(0, 0, 0, 0);
+    mView->getSize(&rect);
+    outWidth = static_cast<float>(rect.right - rect.left);
+    outHeight = static_cast<float>(rect.bottom - rect.top);
+}

@@ -1,0 +1,197 @@
+// The real-time path: transport into the process context, MIDI into events
+// and parameter changes, AAX channels into the VST 3 buses, one process call.
+#include "vst3/CFakeHostVST3.h"
+
+#include "AAX_IMIDINode.h"
+#include "AAX_ITransport.h"
+#include "S_Alg_Context.h"
+#include "logger/CLog.h"
+#include "vst3/CVST3Loader.h"
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+namespace {
+constexpr float kOneOver127 = 1.0f / 127.0f;
+constexpr double kOneOver16383 = 1.0 / 16383.0;
+constexpr double kTicksPerQuarter = 960000.0;
+}  // namespace
+
+void CFakeHostVST3::Process(S_Alg_Context* context)
+{
+    if (!mVst3Loader || !context)
+        return;
+    CVST3Loader& loader = *mVst3Loader;
+
+    if (ProcessContext* pc = loader.getProcessData().processContext) {
+        pc->state = ProcessContext::kProjectTimeMusicValid | ProcessContext::kTempoValid | ProcessContext::kTimeSigValid;
+        if (context->mSampleRate)
+            pc->sampleRate = static_cast<double>(*context->mSampleRate);
+        AAX_ITransport* transport = context->mMidiTransport ? context->mMidiTransport->GetTransport() : nullptr;
+        if (transport) {
+            double tempo = 0.0;
+            if (transport->GetCurrentTempo(&tempo) == AAX_SUCCESS)
+                pc->tempo = tempo;
+            int32_t numerator = 0;
+            int32_t denominator = 0;
+            if (transport->GetCurrentMeter(&numerator, &denominator) == AAX_SUCCESS) {
+                pc->timeSigNumerator = numerator;
+                pc->timeSigDenominator = denominator;
+            }
+            int64_t ticks = 0;
+            if (transport->GetCurrentTickPosition(&ticks) == AAX_SUCCESS)
+                pc->projectTimeMusic = static_cast<double>(ticks) / kTicksPerQuarter;
+            int64_t samplePosition = 0;
+            if (transport->GetCurrentNativeSampleLocation(&samplePosition) == AAX_SUCCESS)
+                pc->projectTimeSamples = samplePosition;
+            bool playing = false;
+            if (transport->IsTransportPlaying(&playing) == AAX_SUCCESS && playing)
+                pc->state |= ProcessContext::kPlaying;
+        }
+    }
+
+    PushInputEvents(context->mMidiIn, loader.getInputEvents(), loader.getInputChanges());
+    loader.setProcessingBuffers(context->mInputs, context->mOutputs);
+    loader.doProcess(context->mBufferLength ? *context->mBufferLength : 0);
+}
+
+void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
+                                    Morvane::vst3::ParameterChanges& changes)
+{
+    if (!midiNode || !mVst3Loader)
+        return;
+    AAX_CMidiStream* stream = midiNode->GetNodeBuffer();
+    if (!stream || !stream->mBuffer || stream->mBufferSize == 0)
+        return;
+    CVST3Loader& loader = *mVst3Loader;
+    IEditController* controller = loader.getController();
+    const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
+
+    // Adds one point for a mapped controller value, then mirrors it to the
+    // controller so that its editor follows.
+    auto sendMappedValue = [&](int32 parameter, double value, uint32_t timestamp) {
+        int32 queueIndex = 0;
+        if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
+                   " - value ", value, " timestamp ", timestamp);
+            int32 pointIndex = 0;
+            queue->addPoint(static_cast<int32>(timestamp), value, pointIndex);
+        }
+        if (controller)
+            controller->setParamNormalized(static_cast<ParamID>(parameter), value);
+    };
+
+    for (uint32_t i = 0; i < stream->mBufferSize; ++i) {
+        const AAX_CMidiPacket& packet = stream->mBuffer[i];
+        const uint8_t statusByte = packet.mData[0];
+        const uint8_t status = statusByte & 0xF0;
+        const int16 channel = static_cast<int16>(statusByte & 0x0F);
+        const uint8_t data1 = packet.mData[1];
+        const uint8_t data2 = packet.mData[2];
+
+        Event event{};
+        event.busIndex = 0;
+        event.sampleOffset = static_cast<int32>(packet.mTimestamp);
+        event.ppqPosition = 0;
+        event.flags = packet.mIsImmediate ? Event::kIsLive : 0;
+
+        switch (status) {
+        case 0x90:
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOn - pitch:", static_cast<int>(data1));
+            event.type = Event::kNoteOnEvent;
+            event.noteOn.channel = channel;
+            event.noteOn.pitch = data1;
+            event.noteOn.tuning = 0.0f;
+            event.noteOn.velocity = data2 * kOneOver127;
+            event.noteOn.length = 0;
+            event.noteOn.noteId = -1;
+            // Without an event input bus there is nowhere to put notes.
+            if (events)
+                events->addEvent(event);
+            break;
+        case 0x80:
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOff - pitch:", static_cast<int>(data1));
+            event.type = Event::kNoteOffEvent;
+            event.noteOff.channel = channel;
+            event.noteOff.pitch = data1;
+            event.noteOff.velocity = data2 * kOneOver127;
+            event.noteOff.noteId = -1;
+            event.noteOff.tuning = 0.0f;
+            if (events)
+                events->addEvent(event);
+            break;
+        case 0xA0:
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPolyPressure");
+            event.type = Event::kPolyPressureEvent;
+            event.polyPressure.channel = channel;
+            event.polyPressure.pitch = data1 & 0x7F;
+            event.polyPressure.pressure = (data2 & 0x7F) * kOneOver127;
+            event.polyPressure.noteId = -1;
+            if (events)
+                events->addEvent(event);
+            break;
+        case 0xB0: {
+            if (!table) {
+                MV_LOG("midi", kLogError, "CHandleMidi::PushInputMidiEvents Input Controller Event - channel empty");
+                break;
+            }
+            // The data byte indexes the table unmasked; a corrupt byte above
+            // the table is treated like an unmapped controller.
+            const int32 parameter =
+                data1 < CVST3Loader::kMidiControllerEntries ? (*table)[static_cast<size_t>(channel)][data1] : -1;
+            if (parameter == -1) {
+                MV_LOG("midi", kLogWarning, "CHandleMidi::PushInputMidiEvents Param not define");
+                break;
+            }
+            sendMappedValue(parameter, data2 * static_cast<double>(kOneOver127), packet.mTimestamp);
+            break;
+        }
+        case 0xC0: {
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kProgramChangeStatus");
+            const int32 parameter = loader.getProgramChangeParameter(channel);
+            if (parameter == -1 || !controller)
+                break;
+            ParameterInfo info{};
+            // The identifier is used as an index, so keep it in range.
+            if (parameter >= controller->getParameterCount() ||
+                controller->getParameterInfo(parameter, info) != kResultOk || info.stepCount < 1 ||
+                data1 > info.stepCount)
+                break;
+            const double value = static_cast<double>(data1) / static_cast<double>(info.stepCount);
+            // Straight into this block's input changes rather than through the
+            // main thread's transfer queues, whose single writer is the main
+            // thread: the processor sees the same point in the same block.
+            int32 queueIndex = 0;
+            if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
+                int32 pointIndex = 0;
+                queue->addPoint(static_cast<int32>(packet.mTimestamp), value, pointIndex);
+            }
+            controller->setParamNormalized(static_cast<ParamID>(parameter), value);
+            break;
+        }
+        case 0xD0: {
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kAfterTouchStatus");
+            if (!table)
+                break;
+            const int32 parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kAfterTouchEntry];
+            if (parameter == -1)
+                break;
+            sendMappedValue(parameter, (data1 & 0x7F) * static_cast<double>(kOneOver127), packet.mTimestamp);
+            break;
+        }
+        case 0xE0: {
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPitchBendStatus");
+            if (!table)
+                break;
+            const int32 parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kPitchBendEntry];
+            if (parameter == -1)
+                break;
+            const double value = ((data2 & 0x7F) * 128 + (data1 & 0x7F)) * kOneOver16383;
+            sendMappedValue(parameter, value, packet.mTimestamp);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+}

@@ -1,0 +1,346 @@
+// Creation, initialisation, connection and tear-down of the processor /
+// controller pair, and the set-up of parameters, buses and MIDI mappings.
+#include "vst3/CVST3Loader.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "AAX_CEffectParameters.h"
+#include "AAX_IController.h"
+#include "logger/CLog.h"
+#include "public.sdk/source/vst/hosting/hostclasses.h"
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+namespace {
+
+template <typename T>
+void releaseInterface(T*& object)
+{
+    if (object) {
+        object->release();
+        object = nullptr;
+    }
+}
+
+// Two interface pointers name the same object when their FUnknown agrees.
+bool sameObject(FUnknown* a, FUnknown* b)
+{
+    if (!a || !b)
+        return false;
+    FUnknown* ua = nullptr;
+    FUnknown* ub = nullptr;
+    a->queryInterface(FUnknown::iid, reinterpret_cast<void**>(&ua));
+    b->queryInterface(FUnknown::iid, reinterpret_cast<void**>(&ub));
+    const bool same = ua && ua == ub;
+    if (ua)
+        ua->release();
+    if (ub)
+        ub->release();
+    return same;
+}
+
+}  // namespace
+
+CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner)
+    : mOwner(owner), mFactory(factory)
+{
+    mProgramChangeParameter.fill(-1);
+    if (!mFactory || !classId)
+        return;
+
+    if (mFactory->createInstance(classId, IAudioProcessor::iid, reinterpret_cast<void**>(&mProcessor)) != kResultOk)
+        mProcessor = nullptr;
+    if (mProcessor) {
+        if (mProcessor->queryInterface(IEditController::iid, reinterpret_cast<void**>(&mController)) != kResultOk)
+            mController = nullptr;
+        if (!mController) {
+            IComponent* component = nullptr;
+            if (mProcessor->queryInterface(IComponent::iid, reinterpret_cast<void**>(&component)) == kResultOk &&
+                component) {
+                TUID controllerId;
+                if (component->getControllerClassId(controllerId) == kResultOk) {
+                    if (mFactory->createInstance(controllerId, IEditController::iid,
+                                                 reinterpret_cast<void**>(&mController)) != kResultOk)
+                        mController = nullptr;
+                }
+                component->release();
+            }
+        }
+    } else {
+        MV_LOG("fakehost", kLogError, "VST3 processor creation failed");
+    }
+    if (mProcessor && !mController)
+        MV_LOG("fakehost", kLogWarning, "VST3 plug-in without edit controller");
+
+    if (!init())
+        MV_LOG("fakehost", kLogError, "VST3 component initialization failed");
+    mFactory->release();
+}
+
+bool CVST3Loader::init()
+{
+    std::puts("Init");
+    if (!mProcessor)
+        return false;
+    if (mProcessor->queryInterface(IComponent::iid, reinterpret_cast<void**>(&mComponent)) != kResultOk)
+        mComponent = nullptr;
+    if (mController) {
+        if (mController->queryInterface(IUnitInfo::iid, reinterpret_cast<void**>(&mUnitInfo)) != kResultOk)
+            mUnitInfo = nullptr;
+        if (mController->queryInterface(IMidiMapping::iid, reinterpret_cast<void**>(&mMidiMapping)) != kResultOk)
+            mMidiMapping = nullptr;
+    }
+    if (!mComponent)
+        return false;
+
+    mComponentInitialized = true;
+    if (mComponent->initialize(static_cast<IHostApplication*>(this)) != kResultOk)
+        return false;
+
+    const bool combined = mController && sameObject(mComponent, mController);
+    if (mController) {
+        if (!combined) {
+            mControllerInitialized = true;
+            if (mController->initialize(static_cast<IHostApplication*>(this)) != kResultOk)
+                return false;
+        }
+        mController->setComponentHandler(static_cast<IComponentHandler*>(this));
+
+        // A combined object talks to itself directly; it is never wired to itself.
+        if (!combined) {
+            if (mComponent->queryInterface(IConnectionPoint::iid, reinterpret_cast<void**>(&mComponentConnection)) != kResultOk)
+                mComponentConnection = nullptr;
+            if (mController->queryInterface(IConnectionPoint::iid, reinterpret_cast<void**>(&mControllerConnection)) != kResultOk)
+                mControllerConnection = nullptr;
+            if (mComponentConnection && mControllerConnection) {
+                mComponentConnection->connect(mControllerConnection);
+                mControllerConnection->connect(mComponentConnection);
+                mConnected = true;
+            }
+        }
+
+        mStream.setSize(0);
+        mStream.seek(0, IBStream::kIBSeekSet, nullptr);
+        if (mComponent->getState(&mStream) == kResultOk) {
+            mStream.seek(0, IBStream::kIBSeekSet, nullptr);
+            mController->setComponentState(&mStream);
+        }
+    }
+
+    setupParameters();
+    setupBuses();
+    if (!mTimer)
+        mTimer = Morvane::vst3::Timer::create(this, kTimerMilliseconds);
+    initMidiCtrlerAssignment();
+    return true;
+}
+
+void CVST3Loader::setupParameters()
+{
+    const int32 count = mController ? mController->getParameterCount() : 0;
+    const int32 n = count > 0 ? count : 0;
+    mHostToProcessor.setMaxParameters(n);
+    mProcessorToController.setMaxParameters(n);
+    mHostToController.setMaxParameters(n);
+    mInputChanges.setMaxParameters(n);
+    mOutputChanges.setMaxParameters(n);
+
+    std::vector<ParameterInfo> programChanges;
+    for (int32 i = 0; i < n; ++i) {
+        ParameterInfo info{};
+        if (mController->getParameterInfo(i, info) == kResultOk && (info.flags & ParameterInfo::kIsProgramChange))
+            programChanges.push_back(info);
+    }
+
+    for (int channel = 0; channel < kMidiChannels; ++channel) {
+        int32& programParameter = mProgramChangeParameter[static_cast<size_t>(channel)];
+        programParameter = -1;
+        if (!mUnitInfo)
+            continue;
+        UnitID unitId = -1;
+        if (mUnitInfo->getUnitByBus(kEvent, kInput, 0, channel, unitId) != kResultOk)
+            continue;
+        const int32 unitCount = mUnitInfo->getUnitCount();
+        for (int32 u = 0; u < unitCount; ++u) {
+            UnitInfo unit{};
+            if (mUnitInfo->getUnitInfo(u, unit) != kResultOk || unit.id != unitId)
+                continue;
+            if (unit.programListId != kNoProgramListId) {
+                for (const ParameterInfo& info : programChanges) {
+                    if (info.unitId == unitId) {
+                        programParameter = static_cast<int32>(info.id);
+                        break;
+                    }
+                }
+            }
+            break;
+        }
+    }
+}
+
+void CVST3Loader::setupBuses()
+{
+    if (!mComponent)
+        return;
+    mProcessData.prepare(*mComponent, 0, kSample32);
+    mProcessData.processContext = &mProcessContext;
+
+    mInputChannelCount = countMainBusChannels(kInput, mInputMainBusMask);
+    mOutputChannelCount = countMainBusChannels(kOutput, mOutputMainBusMask);
+
+    if (mComponent->getBusCount(kEvent, kInput) <= 0)
+        mInputEvents.reset();
+    else if (!mInputEvents)
+        mInputEvents = std::make_unique<Morvane::vst3::EventList>(kEventListSize);
+    if (mComponent->getBusCount(kEvent, kOutput) <= 0)
+        mOutputEvents.reset();
+    else if (!mOutputEvents)
+        mOutputEvents = std::make_unique<Morvane::vst3::EventList>(kEventListSize);
+}
+
+int32 CVST3Loader::countMainBusChannels(BusDirection direction, uint64_t& mask)
+{
+    mask = 0;
+    int32 total = 0;
+    if (!mComponent)
+        return 0;
+    const int32 busCount = mComponent->getBusCount(kAudio, direction);
+    for (int32 i = 0; i < busCount; ++i) {
+        BusInfo info{};
+        if (mComponent->getBusInfo(kAudio, direction, i, info) != kResultOk)
+            continue;
+        if (info.busType == kMain) {
+            total += info.channelCount;
+            if (i < 64)
+                mask |= uint64_t{1} << i;
+            mComponent->activateBus(kAudio, direction, i, true);
+        } else if (info.flags & BusInfo::kDefaultActive) {
+            mComponent->activateBus(kAudio, direction, i, false);
+        }
+    }
+    return total;
+}
+
+void CVST3Loader::initMidiCtrlerAssignment()
+{
+    if (!mMidiMapping)
+        return;
+    if (!mMidiCCMapping)
+        mMidiCCMapping = std::make_unique<MidiControllerTable>();
+    for (int channel = 0; channel < kMidiChannels; ++channel) {
+        for (int cc = 0; cc < kMidiControllerEntries; ++cc) {
+            ParamID id = 0;
+            int32 entry = -1;
+            if (mMidiMapping->getMidiControllerAssignment(0, static_cast<int16>(channel), static_cast<CtrlNumber>(cc), id) ==
+                kResultOk)
+                entry = static_cast<int32>(id);
+            (*mMidiCCMapping)[static_cast<size_t>(channel)][static_cast<size_t>(cc)] = entry;
+        }
+    }
+}
+
+bool CVST3Loader::setupProcessing()
+{
+    if (!mProcessor)
+        return false;
+    ProcessSetup setup{};
+    setup.processMode = kRealtime;
+    setup.symbolicSampleSize = kSample32;
+    setup.maxSamplesPerBlock = kMaxBlockSize;
+    AAX_CSampleRate sampleRate = 44100.0f;
+    if (AAX_IController* controller = mOwner.Controller()) {
+        controller->GetSampleRate(&sampleRate);
+    } else {
+        MV_LOG_AT("warning", kLogNotice, "setupProcessing", "No AAX controller - Setup hard-coded to 44100");
+        sampleRate = 44100.0f;
+    }
+    setup.sampleRate = static_cast<SampleRate>(sampleRate);
+    return mProcessor->setupProcessing(setup) == kResultOk;
+}
+
+std::unique_lock<std::recursive_mutex> CVST3Loader::lockControllerAccess()
+{
+    return std::unique_lock<std::recursive_mutex>(mTimer ? mTimer->callbackMutex() : mNoTimerMutex);
+}
+
+void CVST3Loader::releaseAll()
+{
+    releaseInterface(mComponentConnection);
+    releaseInterface(mControllerConnection);
+    releaseInterface(mUnitInfo);
+    releaseInterface(mMidiMapping);
+    releaseInterface(mController);
+    releaseInterface(mComponent);
+    releaseInterface(mProcessor);
+}
+
+CVST3Loader::~CVST3Loader()
+{
+    if (mProcessor)
+        mProcessor->setProcessing(false);
+    if (mComponent)
+        mComponent->setActive(false);
+    std::puts("Delete");
+    // Joins the timer thread: no onTimer call can run past this point.
+    mTimer.reset();
+    mProcessData.unprepare();
+    if (mConnected) {
+        mComponentConnection->disconnect(mControllerConnection);
+        mControllerConnection->disconnect(mComponentConnection);
+        mConnected = false;
+    }
+    if (mController)
+        mController->setComponentHandler(nullptr);
+    if (mController && mControllerInitialized)
+        mController->terminate();
+    if (mComponent && mComponentInitialized)
+        mComponent->terminate();
+    releaseAll();
+    mMidiCCMapping.reset();
+    mInputEvents.reset();
+    mOutputEvents.reset();
+}
+
+tresult PLUGIN_API CVST3Loader::getName(String128 /*name*/)
+{
+    // Deliberately anonymous: plug-ins must not special-case this host.
+    return kResultFalse;
+}
+
+tresult PLUGIN_API CVST3Loader::createInstance(TUID cid, TUID iid, void** obj)
+{
+    if (!obj)
+        return kInvalidArgument;
+    const FUID classId = FUID::fromTUID(cid);
+    const FUID interfaceId = FUID::fromTUID(iid);
+    if (classId == IMessage::iid && interfaceId == IMessage::iid) {
+        *obj = static_cast<IMessage*>(new HostMessage);
+        return kResultOk;
+    }
+    if (classId == IAttributeList::iid && interfaceId == IAttributeList::iid) {
+        *obj = static_cast<IAttributeList*>(new HostAttributeList);
+        return kResultOk;
+    }
+    *obj = nullptr;
+    return kResultFalse;
+}
+
+tresult PLUGIN_API CVST3Loader::queryInterface(const TUID iid, void** obj)
+{
+    if (FUnknownPrivate::iidEqual(iid, FUnknown::iid) || FUnknownPrivate::iidEqual(iid, IHostApplication::iid)) {
+        *obj = static_cast<IHostApplication*>(this);
+        return kResultOk;
+    }
+    if (FUnknownPrivate::iidEqual(iid, IComponentHandler::iid)) {
+        *obj = static_cast<IComponentHandler*>(this);
+        return kResultOk;
+    }
+    if (FUnknownPrivate::iidEqual(iid, IUnitHandler::iid)) {
+        *obj = static_cast<IUnitHandler*>(this);
+        return kResultOk;
+    }
+    *obj = nullptr;
+    return kNoInterface;
+}

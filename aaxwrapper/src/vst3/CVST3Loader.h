@@ -1,0 +1,142 @@
+// Creates and owns one VST 3 processor / edit controller pair, and is the host
+// context the plug-in talks back to (application, component handler, unit
+// handler, timer callback).
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include "pluginterfaces/base/ipluginbase.h"
+#include "pluginterfaces/vst/ivstaudioprocessor.h"
+#include "pluginterfaces/vst/ivstcomponent.h"
+#include "pluginterfaces/vst/ivsteditcontroller.h"
+#include "pluginterfaces/vst/ivsthostapplication.h"
+#include "pluginterfaces/vst/ivstmessage.h"
+#include "pluginterfaces/vst/ivstprocesscontext.h"
+#include "pluginterfaces/vst/ivstunits.h"
+#include "public.sdk/source/common/memorystream.h"
+#include "vst3/hosting/EventList.h"
+#include "vst3/hosting/HostProcessData.h"
+#include "vst3/hosting/ParameterChangeTransfer.h"
+#include "vst3/hosting/ParameterChanges.h"
+#include "vst3/hosting/Timer.h"
+
+class AAX_CEffectParameters;
+
+class CVST3Loader : public Steinberg::Vst::IHostApplication,
+                    public Steinberg::Vst::IComponentHandler,
+                    public Steinberg::Vst::IUnitHandler,
+                    public Morvane::vst3::ITimerCallback {
+public:
+    static constexpr int kMidiChannels = 16;
+    // 128 controllers, then channel after-touch, then pitch bend.
+    static constexpr int kMidiControllerEntries = 130;
+    static constexpr int kAfterTouchEntry = 128;
+    static constexpr int kPitchBendEntry = 129;
+    static constexpr Steinberg::int32 kEventListSize = 2048;
+    static constexpr Steinberg::int32 kMaxBlockSize = 256;
+    static constexpr uint32_t kTimerMilliseconds = 50;
+    using MidiControllerTable = std::array<std::array<Steinberg::int32, kMidiControllerEntries>, kMidiChannels>;
+
+    CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner);
+    virtual ~CVST3Loader();
+
+    CVST3Loader(const CVST3Loader&) = delete;
+    CVST3Loader& operator=(const CVST3Loader&) = delete;
+
+    bool init();
+    void setupParameters();
+    void setupBuses();
+    void initMidiCtrlerAssignment();
+    bool setupProcessing();
+    Steinberg::int32 countMainBusChannels(Steinberg::Vst::BusDirection direction, uint64_t& mask);
+
+    // Main thread: queues a host change for the controller, then the processor.
+    void addParameterChange(unsigned int id, double value, int sampleOffset);
+    // Real-time thread.
+    void setProcessingBuffers(float* const* inputs, float* const* outputs);
+    void doProcess(int numSamples);
+
+    // Main thread: held while talking to the controller, so that the timer
+    // thread's onTimer never runs at the same time.
+    std::unique_lock<std::recursive_mutex> lockControllerAccess();
+
+    // IHostApplication
+    Steinberg::tresult PLUGIN_API getName(Steinberg::Vst::String128 name) override;
+    Steinberg::tresult PLUGIN_API createInstance(Steinberg::TUID cid, Steinberg::TUID iid, void** obj) override;
+    // IComponentHandler
+    Steinberg::tresult PLUGIN_API beginEdit(Steinberg::Vst::ParamID id) override;
+    Steinberg::tresult PLUGIN_API performEdit(Steinberg::Vst::ParamID id, Steinberg::Vst::ParamValue valueNormalized) override;
+    Steinberg::tresult PLUGIN_API endEdit(Steinberg::Vst::ParamID id) override;
+    Steinberg::tresult PLUGIN_API restartComponent(Steinberg::int32 flags) override;
+    // IUnitHandler
+    Steinberg::tresult PLUGIN_API notifyUnitSelection(Steinberg::Vst::UnitID unitId) override;
+    Steinberg::tresult PLUGIN_API notifyProgramListChange(Steinberg::Vst::ProgramListID listId,
+                                                          Steinberg::int32 programIndex) override;
+    // ITimerCallback: called on the timer's thread, with the controller lock held.
+    void onTimer(Morvane::vst3::Timer* timer) override;
+    // FUnknown: the fake host alone owns the loader, so no counting.
+    Steinberg::tresult PLUGIN_API queryInterface(const Steinberg::TUID iid, void** obj) override;
+    Steinberg::uint32 PLUGIN_API addRef() override { return 1; }
+    Steinberg::uint32 PLUGIN_API release() override { return 1; }
+
+    Steinberg::Vst::IAudioProcessor* getProcessor() const { return mProcessor; }
+    Steinberg::Vst::IComponent* getComponent() const { return mComponent; }
+    Steinberg::Vst::IEditController* getController() const { return mController; }
+    Steinberg::Vst::ProcessContext& getProcessContext() { return mProcessContext; }
+    Morvane::vst3::HostProcessData& getProcessData() { return mProcessData; }
+    Morvane::vst3::EventList* getInputEvents() const { return mInputEvents.get(); }
+    Morvane::vst3::EventList* getOutputEvents() const { return mOutputEvents.get(); }
+    Morvane::vst3::ParameterChanges& getInputChanges() { return mInputChanges; }
+    const MidiControllerTable* getMidiControllerTable() const { return mMidiCCMapping.get(); }
+    Steinberg::int32 getProgramChangeParameter(int channel) const { return mProgramChangeParameter[static_cast<size_t>(channel)]; }
+    uint64_t getMainBusMask(Steinberg::Vst::BusDirection direction) const
+    {
+        return direction == Steinberg::Vst::kInput ? mInputMainBusMask : mOutputMainBusMask;
+    }
+    bool isProcessingStarted() const { return mProcessingStarted; }
+    bool areConnected() const { return mConnected; }
+    Morvane::vst3::Timer* getTimer() const { return mTimer.get(); }
+
+private:
+    void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
+    void releaseAll();
+
+    AAX_CEffectParameters& mOwner;
+    Steinberg::IPluginFactory* mFactory = nullptr;
+    Steinberg::Vst::IAudioProcessor* mProcessor = nullptr;
+    Steinberg::Vst::IComponent* mComponent = nullptr;
+    Steinberg::Vst::IEditController* mController = nullptr;
+    Steinberg::Vst::IUnitInfo* mUnitInfo = nullptr;
+    Steinberg::Vst::IMidiMapping* mMidiMapping = nullptr;
+    Steinberg::Vst::IConnectionPoint* mComponentConnection = nullptr;
+    Steinberg::Vst::IConnectionPoint* mControllerConnection = nullptr;
+
+    Morvane::vst3::HostProcessData mProcessData;
+    Steinberg::Vst::ProcessContext mProcessContext{};
+    Morvane::vst3::ParameterChanges mInputChanges;
+    Morvane::vst3::ParameterChanges mOutputChanges;
+    Morvane::vst3::ParameterChangeTransfer mHostToProcessor;
+    Morvane::vst3::ParameterChangeTransfer mProcessorToController;
+    Morvane::vst3::ParameterChangeTransfer mHostToController;
+    std::unique_ptr<Morvane::vst3::EventList> mInputEvents;
+    std::unique_ptr<Morvane::vst3::EventList> mOutputEvents;
+    uint64_t mInputMainBusMask = 0;
+    uint64_t mOutputMainBusMask = 0;
+    Steinberg::int32 mInputChannelCount = 0;
+    Steinberg::int32 mOutputChannelCount = 0;
+    Steinberg::MemoryStream mStream;
+
+    bool mComponentInitialized = false;
+    bool mControllerInitialized = false;
+    bool mConnected = false;
+    bool mProcessingStarted = false;
+
+    std::unique_ptr<MidiControllerTable> mMidiCCMapping;
+    std::array<Steinberg::int32, kMidiChannels> mProgramChangeParameter{};
+
+    std::recursive_mutex mNoTimerMutex;  // stands in when no timer thread exists
+    std::unique_ptr<Morvane::vst3::Timer> mTimer;
+};

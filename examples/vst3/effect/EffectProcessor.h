@@ -1,0 +1,43 @@
+// A stereo gain effect without an event bus.
+#pragma once
+
+#include "EffectIDs.h"
+#include "pluginterfaces/vst/ivstaudioprocessor.h"
+#include "public.sdk/source/vst/vstcomponent.h"
+
+namespace MrvTest {
+
+class EffectProcessor : public Steinberg::Vst::Component, public Steinberg::Vst::IAudioProcessor {
+public:
+    EffectProcessor();
+    static Steinberg::FUnknown* create();
+
+    Steinberg::tresult PLUGIN_API initialize(Steinberg::FUnknown* context) override;
+    Steinberg::tresult PLUGIN_API terminate() override;
+    Steinberg::tresult PLUGIN_API connect(Steinberg::Vst::IConnectionPoint* other) override;
+    Steinberg::tresult PLUGIN_API setState(Steinberg::IBStream* state) override;
+    Steinberg::tresult PLUGIN_API getState(Steinberg::IBStream* state) override;
+
+    Steinberg::tresult PLUGIN_API setBusArrangements(Steinberg::Vst::SpeakerArrangement* inputs, Steinberg::int32 numIns,
+                                                     Steinberg::Vst::SpeakerArrangement* outputs,
+                                                     Steinberg::int32 numOuts) override;
+    Steinberg::tresult PLUGIN_API getBusArrangement(Steinberg::Vst::BusDirection dir, Steinberg::int32 index,
+                                                    Steinberg::Vst::SpeakerArrangement& arr) override;
+    Steinberg::tresult PLUGIN_API canProcessSampleSize(Steinberg::int32 symbolicSampleSize) override;
+    Steinberg::uint32 PLUGIN_API getLatencySamples() override { return 0; }
+    Steinberg::tresult PLUGIN_API setupProcessing(Steinberg::Vst::ProcessSetup& setup) override;
+    Steinberg::tresult PLUGIN_API setProcessing(Steinberg::TBool state) override;
+    Steinberg::tresult PLUGIN_API process(Steinberg::Vst::ProcessData& data) override;
+    Steinberg::uint32 PLUGIN_API getTailSamples() override { return 0; }
+
+    OBJ_METHODS(EffectProcessor, Steinberg::Vst::Component)
+    DEFINE_INTERFACES
+        DEF_INTERFACE(Steinberg::Vst::IAudioProcessor)
+    END_DEFINE_INTERFACES(Steinberg::Vst::Component)
+    REFCOUNT_METHODS(Steinberg::Vst::Component)
+
+protected:
+    double mGain = 1.0;
+};
+
+}  // namespace MrvTest

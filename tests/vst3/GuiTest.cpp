@@ -1,0 +1,94 @@
+// The plug-in's editor inside an AAX view container.
+#include "Vst3TestSupport.h"
+#include "public.sdk/source/vst/hosting/hostclasses.h"
+
+using namespace vst3test;
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+namespace {
+void AskResize(CVST3Loader& loader, int64 width, int64 height)
+{
+    IConnectionPoint* point = nullptr;
+    ASSERT_EQ(loader.getController()->queryInterface(IConnectionPoint::iid, reinterpret_cast<void**>(&point)), kResultOk);
+    auto* message = new HostMessage;
+    message->setMessageID("TestResize");
+    message->getAttributes()->setInt("width", width);
+    message->getAttributes()->setInt("height", height);
+    point->notify(message);
+    message->release();
+    point->release();
+}
+}  // namespace
+
+TEST(Vst3Gui, OpenResizeAndClose)
+{
+    CTrace trace("gui");
+    CLogLines log;
+    CHostedPlugin plugin("MrvTestSynth");
+    CFakeHostVST3& host = *plugin.mHost;
+
+    float width = -1, height = -1;
+    host.GetViewSize(width, height);
+    EXPECT_EQ(width, -1);
+    EXPECT_EQ(height, -1);
+
+    CTestViewContainer container;
+    host.CreateGUI(&container);
+    EXPECT_EQ(trace.With("view.attached parent=0x1234 type=NSView").size(), 1u);
+    EXPECT_EQ(trace.With("view.setFrame set").size(), 1u);
+    host.GetViewSize(width, height);
+    EXPECT_EQ(width, 400);
+    EXPECT_EQ(height, 300);
+
+    AskResize(plugin.Loader(), 640, 480);
+    ASSERT_EQ(container.mSizes.size(), 1u);
+    EXPECT_EQ(container.mSizes[0].horz, 640);
+    EXPECT_EQ(container.mSizes[0].vert, 480);
+    EXPECT_EQ(trace.With("view.onSize").size(), 0u);
+    EXPECT_TRUE(log.Contains("Plugin ask to resize width=640 height=480"));
+
+    // A second CreateGUI re-attaches the same view with a new frame.
+    CTestViewContainer second;
+    second.mType = AAX_eViewContainer_Type_UIView;
+    host.CreateGUI(&second);
+    EXPECT_EQ(trace.With("ctrl.createView").size(), 1u);
+    EXPECT_EQ(trace.With("view.attached parent=0x1234 type=HIView").size(), 1u);
+    AskResize(plugin.Loader(), 300, 200);
+    EXPECT_EQ(container.mSizes.size(), 1u);
+    ASSERT_EQ(second.mSizes.size(), 1u);
+    EXPECT_EQ(second.mSizes[0].horz, 300);
+
+    host.QuitGUI();
+    const int removed = trace.IndexOf("view.removed");
+    EXPECT_GT(removed, trace.IndexOf("view.setFrame null"));
+    EXPECT_GT(trace.IndexOf("view.destroyed"), removed);
+    EXPECT_FALSE(log.Contains("mView not released"));
+    width = -1;
+    host.GetViewSize(width, height);
+    EXPECT_EQ(width, -1);
+    host.QuitGUI();  // nothing left to close
+}
+
+TEST(Vst3Gui, ContainerWithoutParentOrPluginWithoutView)
+{
+    CLogLines log;
+    {
+        CHostedPlugin plugin("MrvTestSynth");
+        CTestViewContainer container;
+        container.mParent = nullptr;
+        container.mType = AAX_eViewContainer_Type_NULL;
+        plugin.mHost->CreateGUI(&container);
+        EXPECT_TRUE(log.Contains("Standard View not created by Controller"));
+        // The view exists but is not attached: its size is still readable.
+        float width = -1, height = -1;
+        plugin.mHost->GetViewSize(width, height);
+        EXPECT_EQ(width, 400);
+    }
+    CHostedPlugin single("MrvTestSingle");  // createView gives nothing
+    CTestViewContainer container;
+    single.mHost->CreateGUI(&container);
+    float width = -1, height = -1;
+    single.mHost->GetViewSize(width, height);
+    EXPECT_EQ(width, -1);
+}

@@ -1,0 +1,157 @@
+// Our SDK hosting classes on their own, and the hand-over between the main
+// and the audio thread (meant to run under TSan as well).
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+#include "Vst3TestSupport.h"
+#include "vst3/hosting/EventList.h"
+#include "vst3/hosting/ParameterChangeTransfer.h"
+#include "vst3/hosting/ParameterChanges.h"
+#include "vst3/hosting/Timer.h"
+
+using namespace vst3test;
+using namespace Morvane::vst3;
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+TEST(Vst3Hosting, EventListDropsBeyondCapacity)
+{
+    EventList list(2);
+    Event e{};
+    EXPECT_EQ(list.addEvent(e), kResultOk);
+    EXPECT_EQ(list.addEvent(e), kResultOk);
+    EXPECT_EQ(list.addEvent(e), kResultFalse);
+    EXPECT_EQ(list.getEventCount(), 2);
+    EXPECT_EQ(list.getEvent(2, e), kInvalidArgument);
+    EXPECT_EQ(list.getEvent(-1, e), kInvalidArgument);
+    list.clear();
+    EXPECT_EQ(list.getEventCount(), 0);
+}
+
+TEST(Vst3Hosting, ParameterChangesReuseQueueSortPointsAndRespectCapacity)
+{
+    ParameterChanges changes(2);
+    int32 index = -1;
+    IParamValueQueue* a = changes.addParameterData(7, index);
+    ASSERT_NE(a, nullptr);
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(changes.addParameterData(7, index), a);
+    EXPECT_NE(changes.addParameterData(9, index), nullptr);
+    EXPECT_EQ(changes.addParameterData(11, index), nullptr);
+
+    int32 p = 0;
+    a->addPoint(10, 0.1, p);
+    a->addPoint(2, 0.2, p);
+    EXPECT_EQ(p, 0);
+    a->addPoint(10, 0.3, p);  // same offset replaces
+    ASSERT_EQ(a->getPointCount(), 2);
+    int32 offset = 0;
+    ParamValue value = 0;
+    a->getPoint(0, offset, value);
+    EXPECT_EQ(offset, 2);
+    a->getPoint(1, offset, value);
+    EXPECT_EQ(value, 0.3);
+    EXPECT_EQ(a->getPoint(2, offset, value), kInvalidArgument);
+
+    changes.clearQueue();
+    EXPECT_EQ(changes.getParameterCount(), 0);
+    EXPECT_EQ(changes.getParameterData(0), nullptr);
+    IParamValueQueue* again = changes.addParameterData(5, index);
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again->getPointCount(), 0);
+    EXPECT_EQ(again->getParameterId(), 5u);
+}
+
+TEST(Vst3Hosting, TransferKeepsOrderAndDropsWhenFull)
+{
+    ParameterChangeTransfer transfer(1);
+    const size_t capacity = transfer.capacity();
+    for (size_t i = 0; i < capacity; ++i)
+        ASSERT_TRUE(transfer.addChange(static_cast<ParamID>(i), i * 0.5, 0));
+    EXPECT_FALSE(transfer.addChange(99, 1.0, 0));
+    ParamID id = 0;
+    ParamValue value = 0;
+    int32 offset = 0;
+    for (size_t i = 0; i < capacity; ++i) {
+        ASSERT_TRUE(transfer.getNextChange(id, value, offset));
+        ASSERT_EQ(id, i);
+    }
+    EXPECT_FALSE(transfer.getNextChange(id, value, offset));
+}
+
+TEST(Vst3Hosting, TransferBetweenTwoThreads)
+{
+    ParameterChangeTransfer transfer(4);
+    ParameterChanges changes(4);
+    constexpr int kChanges = 50000;
+    std::atomic<bool> done{false};
+    std::thread producer([&] {
+        for (int i = 0; i < kChanges; ++i) {
+            while (!transfer.addChange(static_cast<ParamID>(i % 4), static_cast<double>(i), i % 64))
+                std::this_thread::yield();
+        }
+        done = true;
+    });
+    double last[4] = {-1, -1, -1, -1};
+    bool ordered = true;
+    long points = 0;
+    for (;;) {
+        const bool finished = done.load();
+        changes.clearQueue();
+        transfer.transferChangesTo(changes);
+        for (int32 q = 0; q < changes.getParameterCount(); ++q) {
+            IParamValueQueue* queue = changes.getParameterData(q);
+            const ParamID id = queue->getParameterId();
+            for (int32 p = 0; p < queue->getPointCount(); ++p) {
+                int32 offset = 0;
+                ParamValue value = 0;
+                queue->getPoint(p, offset, value);
+                // Each value names its own offset and parameter.
+                ordered = ordered && static_cast<int>(value) % 64 == offset && static_cast<int>(value) % 4 == static_cast<int>(id);
+                last[id] = std::max(last[id], value);
+                ++points;
+            }
+        }
+        if (finished && changes.getParameterCount() == 0)
+            break;
+    }
+    producer.join();
+    EXPECT_TRUE(ordered);
+    EXPECT_GT(points, 0);
+    EXPECT_EQ(last[(kChanges - 1) % 4], kChanges - 1);
+}
+
+TEST(Vst3Hosting, ChangesWhileProcessing)
+{
+    CHostedPlugin plugin("MrvTestSynth");
+    std::atomic<bool> stop{false};
+    std::thread audio([&] {
+        CTestBuffers buffers(64);
+        buffers.mContext.mMidiIn = nullptr;
+        while (!stop)
+            plugin.mHost->Process(buffers.Context());
+    });
+    for (int i = 0; i < 20000; ++i)
+        plugin.mHost->AddInputChangeForProcessing(i % 4, (i % 100) / 100.0);
+    stop = true;
+    audio.join();
+    SUCCEED();
+}
+
+TEST(Vst3Hosting, TimerStopsBeforeReturning)
+{
+    struct Counter : ITimerCallback {
+        void onTimer(Timer*) override { ++ticks; }
+        std::atomic<int> ticks{0};
+    } counter;
+    auto timer = Timer::create(&counter, 5);
+    ASSERT_NE(timer, nullptr);
+    while (counter.ticks < 3)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    timer.reset();
+    const int after = counter.ticks;
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_EQ(counter.ticks, after);
+    EXPECT_EQ(Timer::create(nullptr, 5), nullptr);
+}

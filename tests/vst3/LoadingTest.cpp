@@ -1,0 +1,275 @@
+// Loading, class choice, set-up and tear-down against our test bundles,
+// including the ones that are broken on purpose.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "Vst3TestSupport.h"
+
+using namespace vst3test;
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+namespace {
+
+void ExpectOrdered(const CTrace& trace, const std::vector<std::string>& prefixes)
+{
+    int previous = -1;
+    for (const auto& prefix : prefixes) {
+        const int index = trace.IndexOf(prefix);
+        EXPECT_GT(index, previous) << prefix << " missing or out of order";
+        previous = std::max(previous, index);
+    }
+}
+
+// The neutral answers of a fake host without a plug-in.
+void ExpectNeutral(CFakeHostVST3& host, bool hasFactory)
+{
+    EXPECT_EQ(host.GetParameterCount(), -1);
+    std::string name = "untouched";
+    float def = -7.0f;
+    EXPECT_FALSE(host.GetParameterInfo(0, name, def));
+    EXPECT_EQ(name, "untouched");
+    EXPECT_EQ(def, -7.0f);
+    if (!hasFactory) {
+        EXPECT_EQ(host.GetPluginVendor(), "");
+        EXPECT_EQ(host.GetPluginVersion(), "");
+    }
+    EXPECT_EQ(host.GetPluginProductUniqueID(), 0);
+    EXPECT_EQ(host.TimerWakeup(), 0);
+    unsigned int size = 0;
+    host.GetState(&size, nullptr);
+    EXPECT_EQ(size, 60u);
+    unsigned char block[8] = {1, 0, 0, 0, 0, 0, 0, 0};
+    host.SetState(sizeof(block), block);
+    host.Setup();
+    host.AddInputChangeForGUI(0, 0.5);
+    host.AddInputChangeForProcessing(0, 0.5);
+    CTestBuffers buffers(64);
+    host.Process(buffers.Context());
+    float w = -1, h = -1;
+    host.GetViewSize(w, h);
+    EXPECT_EQ(w, -1);
+    CTestViewContainer container;
+    host.CreateGUI(&container);
+    host.QuitGUI();
+}
+
+}  // namespace
+
+TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
+{
+    CTrace trace("load_synth");
+    CLogLines log;
+    CHostedPlugin plugin("MrvTestSynth");
+    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+    CFakeHostVST3& host = *plugin.mHost;
+
+    EXPECT_STREQ(host.GetClassInfo().category, "Audio Module Class");
+    EXPECT_EQ(host.GetPluginVendor(), "Morvane Test");
+    EXPECT_EQ(host.GetPluginVersion(), "1.2.3");
+    EXPECT_EQ(host.GetPluginProductUniqueID(), 0);
+    EXPECT_EQ(host.TimerWakeup(), 0);
+    EXPECT_TRUE(log.Contains("Load Bundle " + plugin.mPath));
+    EXPECT_TRUE(log.Contains("Loaded."));
+
+    ExpectOrdered(trace, {"ModuleEntry", "proc.initialize", "ctrl.initialize", "ctrl.setComponentHandler set",
+                          "proc.connect", "ctrl.connect", "proc.getState", "ctrl.setComponentState",
+                          "proc.activateBus type=0 dir=1 index=0 state=1",
+                          "proc.setupProcessing mode=0 size=0 max=256 rate=44100.0"});
+    // The default-active auxiliary output is switched off, the main one on.
+    EXPECT_EQ(trace.With("proc.activateBus type=0 dir=1 index=1 state=0").size(), 1u);
+    EXPECT_EQ(trace.With("proc.initialize").size(), 1u);
+    EXPECT_EQ(trace.With("proc.setActive 1").size(), 0u);
+    EXPECT_TRUE(log.Contains("Setup hard-coded to 44100"));
+
+    CVST3Loader& loader = plugin.Loader();
+    EXPECT_TRUE(loader.areConnected());
+    EXPECT_EQ(loader.getMainBusMask(kOutput), 1u);
+    EXPECT_EQ(loader.getMainBusMask(kInput), 0u);
+    ASSERT_NE(loader.getInputEvents(), nullptr);
+    EXPECT_EQ(loader.getInputEvents()->capacity(), 2048);
+    EXPECT_EQ(loader.getOutputEvents(), nullptr);
+
+    // Parameters: hidden and read-only ones are reported but not editable.
+    ASSERT_EQ(host.GetParameterCount(), 6);
+    const struct { const char* name; float def; bool editable; } expected[] = {
+        {"Volume", 0.8f, true}, {"Pressure", 0.0f, true}, {"Bend", 0.5f, true},
+        {"Program", 0.0f, true}, {"Hidden", 0.25f, false}, {"Peak", 0.0f, false}};
+    for (int i = 0; i < 6; ++i) {
+        std::string name;
+        float def = -1;
+        EXPECT_EQ(host.GetParameterInfo(i, name, def), expected[i].editable) << i;
+        EXPECT_EQ(name, expected[i].name);
+        EXPECT_FLOAT_EQ(def, expected[i].def);
+    }
+    std::string name = "x";
+    float def = 0;
+    EXPECT_FALSE(host.GetParameterInfo(6, name, def));
+
+    // Program changes go to the unit's program parameter on every channel.
+    for (int channel = 0; channel < 16; ++channel)
+        EXPECT_EQ(loader.getProgramChangeParameter(channel), 3);
+
+    // The 16 x 130 controller table.
+    const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
+    ASSERT_NE(table, nullptr);
+    for (int channel = 0; channel < 16; ++channel) {
+        for (int cc = 0; cc < 130; ++cc) {
+            const int32 expectedId = cc == 7 ? 0 : cc == 128 ? 1 : cc == 129 ? 2 : -1;
+            ASSERT_EQ((*table)[channel][cc], expectedId) << channel << "/" << cc;
+        }
+    }
+}
+
+TEST(Vst3Loading, TearDownReleasesInOrder)
+{
+    CTrace trace("teardown_synth");
+    {
+        CHostedPlugin plugin("MrvTestSynth");
+        CTestBuffers buffers(32);
+        plugin.mHost->Process(buffers.Context());
+        trace.Clear();
+        plugin.mHost->Quit();
+        EXPECT_EQ(plugin.mHost->GetLoader(), nullptr);
+        EXPECT_EQ(plugin.mHost->GetParameterCount(), -1);
+        plugin.mHost.reset();
+    }
+    ExpectOrdered(trace, {"proc.setProcessing 0", "proc.setActive 0", "proc.disconnect", "ctrl.disconnect",
+                          "ctrl.setComponentHandler null", "ctrl.terminate", "proc.terminate", "ModuleExit"});
+}
+
+TEST(Vst3Loading, CombinedObjectIsInitialisedOnceAndNotSelfConnected)
+{
+    CTrace trace("single");
+    CHostedPlugin plugin("MrvTestSingle");
+    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+    EXPECT_EQ(trace.With("single.initialize").size(), 1u);
+    EXPECT_EQ(trace.With("single.connect").size(), 0u);
+    EXPECT_FALSE(plugin.Loader().areConnected());
+    EXPECT_EQ(trace.With("single.setComponentHandler set").size(), 1u);
+    EXPECT_EQ(trace.With("single.setComponentState gain=1.000000").size(), 1u);
+    EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
+    plugin.mHost->Quit();
+    EXPECT_EQ(trace.With("single.terminate").size(), 1u);
+}
+
+TEST(Vst3Loading, FactoryWithoutAudioClassUsesTheLastClass)
+{
+    CTrace trace("noaudioclass");
+    CHostedPlugin plugin("MrvTestNoAudioClass");
+    EXPECT_STREQ(plugin.mHost->GetClassInfo().name, "MrvTestNoAudioClass");
+    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+    EXPECT_NE(plugin.Loader().getProcessor(), nullptr);
+    EXPECT_EQ(trace.With("effect.initialize").size(), 1u);
+    EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
+    // No class of that category: no extended information either.
+    EXPECT_EQ(plugin.mHost->GetPluginVersion(), "");
+}
+
+TEST(Vst3Loading, EffectWithoutEventBusHasNoInputEventList)
+{
+    CHostedPlugin plugin("MrvTestEffect");
+    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+    EXPECT_EQ(plugin.Loader().getInputEvents(), nullptr);
+    EXPECT_EQ(plugin.Loader().getMainBusMask(kInput), 1u);
+    // No IMidiMapping: no controller table at all.
+    EXPECT_EQ(plugin.Loader().getMidiControllerTable(), nullptr);
+}
+
+TEST(Vst3LoadingFailure, MissingOrBrokenModulesGiveNeutralAnswers)
+{
+    CLogLines log;
+    namespace fs = std::filesystem;
+    const fs::path empty = fs::path(::testing::TempDir()) / ("vst3_empty_" + std::to_string(getpid()) + ".vst3");
+    fs::create_directories(empty / "Contents" / "x86_64-linux");
+
+    struct Case { std::string path; const char* logText; };
+    const Case cases[] = {
+        {empty.string(), "Library not found - Path = "},
+        {"/nonexistent/Nothing.vst3", "Library not found - Path = "},
+        {BundlePath("MrvTestNoFactory"), "Invalid Module "},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        CTestOwner owner;
+        std::string path = c.path;
+        CFakeHostVST3 host(owner, path);
+        EXPECT_THROW(host.Init(), std::logic_error);  // "mVst3Loader!=0" at debug level
+        EXPECT_EQ(host.GetLoader(), nullptr);
+        EXPECT_TRUE(log.Contains(c.logText + (c.logText[0] == 'I' ? c.path : std::string())));
+        ExpectNeutral(host, false);
+        host.Quit();
+    }
+    EXPECT_TRUE(log.Contains("mVst3Loader!=0"));
+    fs::remove_all(empty);
+}
+
+TEST(Vst3LoadingFailure, FactoryRefusingCreation)
+{
+    CTrace trace("fault_create");
+    CLogLines log;
+    setenv("MRV_VST3_FAULT", "create", 1);
+    {
+        CHostedPlugin plugin("MrvTestEffect");
+        ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+        EXPECT_EQ(plugin.Loader().getProcessor(), nullptr);
+        EXPECT_EQ(plugin.mHost->GetPluginVendor(), "Morvane Test");
+        ExpectNeutral(*plugin.mHost, true);
+    }
+    unsetenv("MRV_VST3_FAULT");
+    EXPECT_EQ(trace.With("factory.createInstance refused").size(), 1u);
+    EXPECT_TRUE(log.Contains("processor creation failed"));
+}
+
+TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
+{
+    CTrace trace("fault_ctrl");
+    CLogLines log;
+    setenv("MRV_VST3_FAULT", "controllerinit", 1);
+    {
+        CHostedPlugin plugin("MrvTestEffect");
+        ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
+        EXPECT_FALSE(plugin.Loader().areConnected());
+        // Nothing after the failed initialize was set up: no buses, no sizes.
+        EXPECT_EQ(plugin.Loader().getMainBusMask(kOutput), 0u);
+        CTestBuffers buffers(64);
+        buffers.mMidi.Add(0, 0x90, 60, 100);
+        plugin.mHost->Process(buffers.Context());
+        plugin.mHost->AddInputChangeForProcessing(0, 0.25);
+        plugin.mHost->Process(buffers.Context());
+        unsigned int size = 0;
+        plugin.mHost->GetState(&size, nullptr);
+    }
+    unsetenv("MRV_VST3_FAULT");
+    EXPECT_EQ(trace.With("effectctrl.initialize refused").size(), 1u);
+    EXPECT_EQ(trace.With("effectctrl.terminate").size(), 1u);
+    EXPECT_EQ(trace.With("effect.terminate").size(), 1u);
+    EXPECT_TRUE(log.Contains("component initialization failed"));
+}
+
+TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
+{
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::path(::testing::TempDir()) / ("vst3_validator_" + std::to_string(getpid()));
+    fs::create_directories(dir);
+    const fs::path script = dir / "fake_validator.sh";
+    const fs::path report = dir / "report.txt";
+    {
+        std::ofstream out(script);
+        out << "#!/bin/sh\necho \"$0|$1|$#\" > '" << report.string() << "'\n";
+    }
+    fs::permissions(script, fs::perms::owner_all);
+    setenv("VST3_VALIDATOR", script.c_str(), 1);
+    {
+        CLogLines log;  // "bundle" at debug
+        CHostedPlugin plugin("MrvTestEffect");
+        EXPECT_TRUE(log.Contains("VST3 validator exit status 0"));
+    }
+    unsetenv("VST3_VALIDATOR");
+    std::ifstream in(report);
+    std::string line;
+    std::getline(in, line);
+    EXPECT_EQ(line, script.string() + "|" + BundlePath("MrvTestEffect") + "|1");
+    fs::remove_all(dir);
+}
