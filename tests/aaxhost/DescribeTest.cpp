@@ -1,0 +1,157 @@
+// describe against the real default bundle, and every way loading can fail.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "TestSupport.h"
+
+using namespace AAXHostTest;
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string BrokenBundle(int mode)
+{
+    return std::string(AAXHOST_BUNDLE_DIR) + "/Broken" + std::to_string(mode) + ".aaxplugin";
+}
+
+void ExpectFailure(const SRunResult& r, const std::string& messagePart)
+{
+    EXPECT_NE(r.exitCode, 0);
+    EXPECT_LT(r.exitCode, 128) << "crashed: " << r.err;
+    EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find(messagePart), std::string::npos) << r.err;
+}
+
+}  // namespace
+
+TEST(Describe, DefaultBundleJsonHasTheWholeDescriptionInRegistrationOrder)
+{
+    const SRunResult r = RunHost({"describe", AAXHOST_DEFAULT_BUNDLE, "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const json d = r.Json();
+    ASSERT_FALSE(d.is_discarded()) << "stdout is not JSON: " << r.out;
+    EXPECT_EQ(d["format"], "aaxhost-describe-1");
+    EXPECT_EQ(d["sdk_version"], "0x000002000061125C");
+    EXPECT_EQ(d["manufacturer"], "Morvane");
+    EXPECT_EQ(d["package_names"], json::array({"Tavrion V2"}));
+    EXPECT_EQ(d["package_version"], 1);
+    EXPECT_EQ(d["can_unload_now"], 0);
+    ASSERT_EQ(d["effects"].size(), 1u);
+
+    const json& e = d["effects"][0];
+    EXPECT_EQ(e["effect_id"], "com.morvane.aax.tavrionv2");
+    EXPECT_EQ(e["names"], json::array({"Tavrion V2"}));
+    EXPECT_EQ(e["categories"], json::array({0x800}));
+    EXPECT_EQ(e["procedures"], json::parse(R"([{"id":0,"name":"Create_EffectParameters"},
+                                               {"id":1,"name":"Create_EffectGUI"}])"));
+    ASSERT_EQ(e["components"].size(), 1u);
+    const json& c = e["components"][0];
+
+    const json expectedFields = json::parse(R"([
+        {"index":5,"call":"AddAudioIn"},
+        {"index":6,"call":"AddAudioOut"},
+        {"index":7,"call":"AddAudioBufferLength"},
+        {"index":2,"call":"AddMIDINode","node_type":0,"channel_mask":65535,"name":"Tavrion V2"},
+        {"index":3,"call":"AddMIDINode","node_type":1,"channel_mask":65535,"name":"Tavrion V2"},
+        {"index":4,"call":"AddMIDINode","node_type":3,"channel_mask":65535,"name":"Tavrion V2"},
+        {"index":1,"call":"AddSampleRate"},
+        {"index":0,"call":"AddDataInPort","packet_size":4,"port_type":1},
+        {"index":8,"call":"AddPrivateData","data_size":8,"options":0}])");
+    EXPECT_EQ(c["fields"], expectedFields);
+
+    ASSERT_EQ(c["stems"].size(), 16u);
+    for (int i = 0; i < 16; ++i) {
+        EXPECT_EQ(c["stems"][i]["name"], "OutputStem_" + std::to_string(i));
+        EXPECT_EQ(c["stems"][i]["format"], 0x10002);
+        EXPECT_EQ(c["stems"][i]["channels"], 2);
+        EXPECT_EQ(c["stems"][i]["index"], 0);
+    }
+    // Stems come after the private data and before the property map.
+    std::vector<std::string> calls = c["calls"];
+    ASSERT_EQ(calls.size(), 9u + 16u + 2u);
+    EXPECT_EQ(calls[8], "AddPrivateData");
+    for (size_t i = 9; i < 25; ++i)
+        EXPECT_EQ(calls[i], "AddAuxOutputStem");
+    EXPECT_EQ(calls[25], "NewPropertyMap");
+    EXPECT_EQ(calls[26], "AddProcessProc_Native");
+
+    ASSERT_EQ(c["process_procs"].size(), 1u);
+    const json& proc = c["process_procs"][0];
+    EXPECT_FALSE(proc["instance_init"].get<bool>());
+    EXPECT_FALSE(proc["background"].get<bool>());
+    std::vector<std::pair<int, int64_t>> props;
+    for (const auto& p : proc["properties"])
+        props.emplace_back(p["id"].get<int>(), p["value"].get<int64_t>());
+    const std::vector<std::pair<int, int64_t>> expectedProps = {
+        {11, 0x4D72766E}, {12, 0x54765632}, {60, 1}, {151, 0}, {51, 0x10002}, {52, 0x10002}, {13, 0x54765632}, {58, 0x7FFFFFFF}};
+    EXPECT_EQ(props, expectedProps);
+    EXPECT_EQ(proc["properties"][0]["fourcc"], "Mrvn");
+}
+
+TEST(Describe, TextFormNamesEveryPart)
+{
+    const SRunResult r = RunHost({"describe", AAXHOST_DEFAULT_BUNDLE});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    for (const char* part : {"Effect com.morvane.aax.tavrionv2", "[8] AddPrivateData data_size=8",
+                             "[2] LocalInput \"Tavrion V2\" mask=0xFFFF", "\"OutputStem_15\" format=0x00010002",
+                             "Property PlugInID_Native (13) = 1417041458 'TvV2'", "1 Create_EffectGUI",
+                             "ACFCanUnloadNow: 0"})
+        EXPECT_NE(r.out.find(part), std::string::npos) << part;
+}
+
+TEST(Describe, LoadingFailuresExitWithAClearMessage)
+{
+    const std::string dir = TempDir("describe-failures");
+
+    ExpectFailure(RunHost({"describe", dir + "/Nowhere.aaxplugin"}), "bundle not found");
+
+    fs::create_directories(dir + "/Empty.aaxplugin/Contents/x86_64-linux");
+    ExpectFailure(RunHost({"describe", dir + "/Empty.aaxplugin"}), "no plug-in library in bundle");
+
+    const std::string garbage = dir + "/Garbage.aaxplugin/Contents/x86_64-linux";
+    fs::create_directories(garbage);
+    std::ofstream(garbage + "/Garbage.so") << "not an ELF file";
+    ExpectFailure(RunHost({"describe", dir + "/Garbage.aaxplugin"}), "cannot load");
+
+    // A real library that is not an AAX plug-in.
+    const std::string vst = dir + "/NotAAX.aaxplugin/Contents/x86_64-linux";
+    fs::create_directories(vst);
+    fs::copy_file("/usr/lib/vst/Kars-vst.so", vst + "/NotAAX.so", fs::copy_options::overwrite_existing);
+    ExpectFailure(RunHost({"describe", dir + "/NotAAX.aaxplugin"}), "missing entry point(s) ACFRegisterPlugin");
+}
+
+TEST(Describe, PluginFailuresExitWithAClearMessage)
+{
+    ExpectFailure(RunHost({"describe", BrokenBundle(1)}), "ACFRegisterPlugin failed with -20004");
+    ExpectFailure(RunHost({"describe", BrokenBundle(2), "--json"}), "registered no effect");
+    ExpectFailure(RunHost({"describe", BrokenBundle(3)}), "ACFStartup failed");
+    const SRunResult leaking = RunHost({"describe", BrokenBundle(4), "--json"});
+    ExpectFailure(leaking, "ACFCanUnloadNow answered 2");
+    ExpectFailure(RunHost({"render", BrokenBundle(2), "--out", TempDir("describe-failures") + "/x.wav"}),
+                  "registered no effect");
+}
+
+TEST(Params, ListsTheBypassAndEveryWrappedParameterWithItsValue)
+{
+    const SRunResult r = RunHost({"params", std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const json params = r.Json()["parameters"];
+    ASSERT_EQ(params.size(), 5u) << r.out;
+    EXPECT_EQ(params[0]["id"], "MasterBypassID");
+    EXPECT_TRUE(params[0]["master_bypass"].get<bool>());
+    EXPECT_EQ(params[0]["steps"], 2);
+    // The probe's parameters start at 0.5, 0.25, 0.75 and 0.
+    const char* names[] = {"Alpha", "Beta", "Gamma", "Delta"};
+    const double values[] = {0.5, 0.25, 0.75, 0.0};
+    for (int i = 0; i < 4; ++i) {
+        const json& p = params[static_cast<size_t>(i + 1)];
+        EXPECT_EQ(p["id"], std::to_string(i));
+        EXPECT_EQ(p["name"], names[i]);
+        EXPECT_DOUBLE_EQ(p["value"].get<double>(), values[i]);
+        EXPECT_DOUBLE_EQ(p["default"].get<double>(), values[i]);
+        EXPECT_FALSE(p["master_bypass"].get<bool>());
+    }
+}

@@ -1,0 +1,37 @@
+// Drives a VST 2 library directly, the way the wrapper's fake host drives
+// it (same opening sequence, sample-rate set-up, time information, block
+// plan and MIDI schedule), so that a wrapped render can be compared with it
+// sample for sample.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "MidiSchedule.h"
+
+namespace AAXHostTest {
+
+struct SDirectRenderConfig {
+    std::string libraryPath;
+    double sampleRate = 48000.0;
+    int blockSize = 512;
+    double tempo = 120.0;
+    int64_t totalSamples = 0;
+    bool testInput = false;
+    bool oneEventPerCall = false;  // as the wrapper delivers them, instead of one list per buffer
+    std::vector<std::pair<int, float>> parametersAtStart;  // index, value
+    std::vector<char> chunkAtStart;  // given to effSetChunk (bank) when not empty
+};
+
+struct SDirectRenderResult {
+    std::vector<std::vector<float>> outputs;  // per channel, totalSamples each
+    int numParams = 0;
+    std::vector<std::string> parameterNames;
+    std::vector<char> chunkAtEnd;  // effGetChunk (bank) after the render
+};
+
+bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedule& schedule,
+                  SDirectRenderResult& result, std::string& error);
+
+}  // namespace AAXHostTest

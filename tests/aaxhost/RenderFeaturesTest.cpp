@@ -1,0 +1,245 @@
+// Render options end to end: bypass, stems, batches of instances, state
+// files from disk, and what a plug-in sends back (automation, MIDI out).
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "TestSignal.h"
+#include "TestSupport.h"
+
+using namespace AAXHostTest;
+using nlohmann::json;
+
+namespace {
+
+const std::string kProbe = std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin";
+const std::string kTavrion = AAXHOST_DEFAULT_BUNDLE;
+
+// The probe writes (c + 1) / 64 * Alpha on output channel c; Alpha starts at 0.5.
+float ProbeLevel(int channel) { return static_cast<float>(channel + 1) / 64.0f * 0.5f; }
+
+std::vector<std::vector<float>> StemChannels(const std::string& dir, int instanceSuffix = 0)
+{
+    std::vector<std::vector<float>> all;
+    for (int k = 0; k < 16; ++k) {
+        std::string name = dir + "/OutputStem_" + std::to_string(k);
+        if (instanceSuffix)
+            name += "." + std::to_string(instanceSuffix);
+        const auto stem = ReadWavChannels(name + ".wav");
+        EXPECT_EQ(stem.size(), 2u) << name;
+        for (const auto& ch : stem)
+            all.push_back(ch);
+    }
+    return all;
+}
+
+}  // namespace
+
+TEST(Render, StemsCarryTheirOwnOutputChannels)
+{
+    const std::string dir = TempDir("stems");
+    const SRunResult r = RunHost({"render", kProbe, "--seconds", "0.1", "--block", "64", "--out", dir + "/main.wav",
+                                  "--stems", dir + "/stems", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.Json()["instances"][0]["files"].size(), 17u);
+    const auto main = ReadWavChannels(dir + "/main.wav");
+    ASSERT_EQ(main.size(), 2u);
+    ASSERT_EQ(main[0].size(), 4800u);
+    EXPECT_FLOAT_EQ(main[0][100], ProbeLevel(0));
+    EXPECT_FLOAT_EQ(main[1][100], ProbeLevel(1));
+    const auto stems = StemChannels(dir + "/stems");
+    ASSERT_EQ(stems.size(), 32u);
+    for (int c = 0; c < 32; ++c) {
+        ASSERT_EQ(stems[static_cast<size_t>(c)].size(), 4800u);
+        EXPECT_FLOAT_EQ(stems[static_cast<size_t>(c)].back(), ProbeLevel(c + 2)) << "output channel " << c + 2;
+    }
+}
+
+TEST(Render, BypassCopiesAllThirtyTwoInputChannels)
+{
+    const std::string dir = TempDir("bypass");
+    const SRunResult r = RunHost({"render", kProbe, "--seconds", "0.05", "--block", "64", "--bypass", "--test-input",
+                                  "--out", dir + "/main.wav", "--stems", dir + "/stems", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    std::vector<std::vector<float>> outputs = ReadWavChannels(dir + "/main.wav");
+    for (auto& ch : StemChannels(dir + "/stems"))
+        outputs.push_back(ch);
+    ASSERT_EQ(outputs.size(), 34u);
+    for (int c = 0; c < 32; ++c)
+        for (size_t s = 0; s < outputs[static_cast<size_t>(c)].size(); ++s)
+            ASSERT_EQ(outputs[static_cast<size_t>(c)][s], AAXHost::TestInputSample(c, static_cast<int64_t>(s), 48000.0))
+                << "channel " << c << " sample " << s;
+    // Beyond the 32 copied channels the host's cleared buffers stay silent.
+    EXPECT_EQ(Peak(outputs[32]), 0.0);
+    EXPECT_EQ(Peak(outputs[33]), 0.0);
+}
+
+TEST(Render, ThreeInstancesInOneBatchEachRenderTheWholePart)
+{
+    const std::string dir = TempDir("instances");
+    WriteTestPhrase(dir + "/phrase.mid");
+    const std::vector<std::string> common = {"render", kTavrion, "--midi", dir + "/phrase.mid", "--seconds", "1.5",
+                                             "--json"};
+    auto args = common;
+    args.insert(args.end(), {"--out", dir + "/single.wav"});
+    const SRunResult single = RunHost(args);
+    ASSERT_EQ(single.exitCode, 0) << single.err;
+    args = common;
+    args.insert(args.end(), {"--out", dir + "/batch.wav", "--instances", "3"});
+    const SRunResult batch = RunHost(args);
+    ASSERT_EQ(batch.exitCode, 0) << batch.err;
+    const json j = batch.Json();
+    EXPECT_EQ(j["instances_per_call"], 3);
+    EXPECT_EQ(j["process_calls"], single.Json()["process_calls"]);
+    ASSERT_EQ(j["instances"].size(), 3u);
+
+    const auto reference = ReadWavChannels(dir + "/single.wav");
+    ASSERT_EQ(reference.size(), 2u);
+    EXPECT_GT(Peak(reference[0]), 1e-3);
+    for (const char* name : {"batch.wav", "batch.1.wav", "batch.2.wav"}) {
+        const auto out = ReadWavChannels(dir + "/" + name);
+        ASSERT_EQ(out.size(), 2u) << name;
+        EXPECT_EQ(MaxDifference(out[0], reference[0]), 0.0) << name;
+        EXPECT_EQ(MaxDifference(out[1], reference[1]), 0.0) << name;
+    }
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(j["instances"][i]["midi_in"], single.Json()["instances"][0]["midi_in"]);
+}
+
+TEST(Render, BadStateFilesAreRefused)
+{
+    const std::string dir = TempDir("bad-state");
+    const std::string good = dir + "/good.state";
+    ASSERT_EQ(RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/a.wav", "--save-state", good}).exitCode, 0);
+    const auto size = std::filesystem::file_size(good);
+    ASSERT_GT(size, 16u);
+
+    std::filesystem::copy_file(good, dir + "/truncated.state");
+    std::filesystem::resize_file(dir + "/truncated.state", size - 3);
+    std::ofstream(dir + "/garbage.state") << "this is not a state file at all";
+
+    const std::pair<std::string, std::string> cases[] = {{"truncated.state", "truncated"},
+                                                         {"garbage.state", "not an aaxhost state file"},
+                                                         {"missing.state", "cannot read state file"}};
+    for (const auto& c : cases) {
+        const SRunResult r = RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/b.wav", "--load-state",
+                                      dir + "/" + c.first});
+        EXPECT_EQ(r.exitCode, 1) << c.first << ": " << r.err;
+        EXPECT_NE(r.err.find(c.second), std::string::npos) << r.err;
+    }
+    EXPECT_EQ(RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/c.wav", "--load-state", good}).exitCode, 0);
+}
+
+TEST(Render, AutomationAndMidiFromThePluginReachTheHost)
+{
+    const std::string dir = TempDir("probe-back");
+    // CC 20 makes the probe automate its parameter 0; notes are echoed out.
+    WriteMidiFile(dir + "/probe.mid", {{0.25, 0.5, 60, 100}}, {{0.5, {0xB0, 20, 127}}});
+    const SRunResult r = RunHost({"render", kProbe, "--midi", dir + "/probe.mid", "--tempo", "120", "--seconds", "1",
+                                  "--block", "256", "--out", dir + "/out.wav", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const json inst = r.Json()["instances"][0];
+    EXPECT_EQ(inst["midi_in"], 3);
+
+    // Note on at 0.25 beat = 6000 samples, note off at 0.75 beat = 18000.
+    const json& out = inst["midi_out"];
+    ASSERT_EQ(out.size(), 2u) << out.dump();
+    EXPECT_EQ(out[0]["sample"], 6000);
+    EXPECT_EQ(out[0]["bytes"], json::array({0x90, 60, 100}));
+    EXPECT_EQ(out[1]["sample"], 18000);
+    EXPECT_EQ(out[1]["bytes"][0], 0x80);
+
+    std::vector<std::string> kinds;
+    for (const auto& a : inst["automation"]) {
+        if (a["parameter"] != "0" || a["kind"] == "register")
+            continue;
+        EXPECT_EQ(a["origin"], "plugin");
+        kinds.push_back(a["kind"]);
+        if (a["kind"] == "set") {
+            EXPECT_DOUBLE_EQ(a["value"].get<double>(), 1.0);
+        }
+    }
+    ASSERT_FALSE(kinds.empty()) << inst["automation"].dump();
+    EXPECT_EQ(kinds.front(), "touch");
+    EXPECT_NE(std::find(kinds.begin(), kinds.end(), "set"), kinds.end());
+    EXPECT_EQ(kinds.back(), "release");
+
+    // The set request was answered: Alpha is now 1.0, so the main output
+    // doubles after the automation.
+    const auto audio = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(audio.size(), 2u);
+    EXPECT_FLOAT_EQ(audio[0].front(), ProbeLevel(0));
+    EXPECT_FLOAT_EQ(audio[0].back(), ProbeLevel(0) * 2.0f);
+}
+
+TEST(Gui, ViewOpensPollsAndClosesWithoutAWindow)
+{
+    const SRunResult r = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--ticks", "3", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const json j = r.Json();
+    ASSERT_FALSE(j.is_discarded()) << r.out;
+    EXPECT_EQ(j["sizes_after_ticks"].size(), 3u);
+}
+
+TEST(Gui, EditorSizeReachesTheHostThroughTheViewContainer)
+{
+    // The probe's editor rectangle is 300 x 150.
+    const SRunResult r = RunHost({"gui", kProbe, "--ticks", "2", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const json j = r.Json();
+    const json size = {{"width", 300.0}, {"height", 150.0}};
+    EXPECT_EQ(j["initial_size"], size);
+    ASSERT_EQ(j["requested_sizes"].size(), 1u) << j.dump();
+    EXPECT_EQ(j["requested_sizes"][0], size);
+    const SRunResult text = RunHost({"gui", kProbe, "--ticks", "1"});
+    EXPECT_NE(text.out.find("plug-in asked for view size 300x150"), std::string::npos) << text.out;
+}
+
+TEST(Render, TimedParameterChangeTakesEffectAtTheBufferHoldingItsTime)
+{
+    const std::string dir = TempDir("timed-set");
+    // 0.25 s at 48 kHz is sample 12000, inside the buffer that starts at 11776.
+    const SRunResult r = RunHost({"render", kProbe, "--seconds", "0.5", "--block", "256", "--set", "0=1@0.25",
+                                  "--out", dir + "/out.wav", "--json"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto audio = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(audio.size(), 2u);
+    ASSERT_EQ(audio[0].size(), 24000u);
+    EXPECT_FLOAT_EQ(audio[0][11775], ProbeLevel(0));
+    EXPECT_FLOAT_EQ(audio[0][11776], ProbeLevel(0) * 2.0f);
+    bool hostSet = false;
+    const json automation = r.Json()["instances"][0]["automation"];
+    for (const auto& a : automation)
+        if (a["kind"] == "set" && a["parameter"] == "0") {
+            EXPECT_EQ(a["origin"], "host");
+            EXPECT_EQ(a["sample"], 11776);
+            hostSet = true;
+        }
+    EXPECT_TRUE(hostSet);
+}
+
+TEST(Render, TransportReachesThePluginEveryBuffer)
+{
+    const std::string dir = TempDir("transport");
+    const std::string log = dir + "/probe.log";
+    setenv("VST2PROBE_LOG", log.c_str(), 1);
+    const SRunResult r = RunHost({"render", kProbe, "--seconds", "0.1", "--rate", "44100", "--block", "1000",
+                                  "--tempo", "90", "--meter", "7/8", "--out", dir + "/out.wav"});
+    unsetenv("VST2PROBE_LOG");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    std::ifstream in(log);
+    std::vector<std::string> times;
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind("time ", 0) == 0)
+            times.push_back(line);
+    ASSERT_EQ(times.size(), 5u);  // 4410 samples in buffers of 1000
+    for (size_t k = 0; k < times.size(); ++k) {
+        char expected[200];
+        // 90 BPM: 1.5 quarter notes per second.
+        std::snprintf(expected, sizeof expected, "time samplePos=%zu sampleRate=44100 ppqPos=%.6f tempo=90.000 sig=7/8 flags=0x2602",
+                      k * 1000, static_cast<double>(k * 1000) / 44100.0 * 1.5);
+        EXPECT_EQ(times[k].rfind(expected, 0), 0u) << times[k] << "\nexpected " << expected;
+    }
+}

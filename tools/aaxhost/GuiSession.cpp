@@ -1,0 +1,108 @@
+#include "GuiSession.h"
+
+#include <cstdio>
+
+#include "AAX_IEffectGUI.h"
+#include "CrashReport.h"
+#include "HostInstance.h"
+#include "HostViewContainer.h"
+#include "PluginSession.h"
+#include "ResultText.h"
+
+namespace AAXHost {
+
+namespace {
+
+bool SameSize(const AAX_Point& a, const AAX_Point& b) { return a.horz == b.horz && a.vert == b.vert; }
+
+}  // namespace
+
+bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& report, std::string& error)
+{
+    report = SGuiReport();
+    const SEffectInfo* effect = session.FindEffect(config.effectID, error);
+    if (!effect)
+        return false;
+    const SComponentInfo* component = FindProcessingComponent(*effect);
+    static const SComponentInfo kNoComponent;
+    STransportState transport;
+    transport.sampleRate = config.sampleRate;
+    SInstanceConfig instanceConfig;
+    instanceConfig.sampleRate = config.sampleRate;
+    CHostInstance instance(*effect, component ? *component : kNoComponent, instanceConfig, transport);
+    if (!instance.Create(error))
+        return false;
+
+    auto factory = reinterpret_cast<AAX_CreateEffectGUIProc>(instance.GuiFactory());
+    if (!factory) {
+        error = "the effect registered no GUI factory";
+        return false;
+    }
+    SetPhase("the view session");
+    AAX_IEffectGUI* raw = factory();
+    if (!raw) {
+        error = "the GUI factory returned null";
+        return false;
+    }
+    void* queried = nullptr;
+    if (raw->QueryInterface(IID_IAAXEffectGUIV1, &queried) != ACF_OK || !queried) {
+        error = "the GUI object does not answer IID_IAAXEffectGUIV1";
+        return false;
+    }
+    auto* gui = static_cast<AAX_IACFEffectGUI*>(queried);
+    AAX_Result r = gui->Initialize(instance.Effect());
+    if (r != AAX_SUCCESS) {
+        gui->Release();
+        error = "GUI Initialize failed with " + ResultText(r);
+        return false;
+    }
+    auto* container = new CHostViewContainer;
+    r = gui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(container));
+    if (r != AAX_SUCCESS) {
+        std::fprintf(stderr, "aaxhost: SetViewContainer answered %d\n", r);
+    }
+    gui->GetViewSize(&report.initialSize);
+    if (config.print)
+        std::printf("view size %gx%g\n", report.initialSize.horz, report.initialSize.vert);
+    AAX_Point last = report.initialSize;
+    size_t requestsShown = 0;
+    for (int i = 0; i < config.timerTicks; ++i) {
+        gui->TimerWakeup();
+        instance.Effect()->TimerWakeup();
+        for (; requestsShown < container->Requests().size(); ++requestsShown) {
+            const AAX_Point& p = container->Requests()[requestsShown];
+            if (config.print)
+                std::printf("plug-in asked for view size %gx%g\n", p.horz, p.vert);
+        }
+        AAX_Point size = last;
+        gui->GetViewSize(&size);
+        report.sizesAfterTicks.push_back(size);
+        if (config.print && !SameSize(size, last))
+            std::printf("view size now %gx%g\n", size.horz, size.vert);
+        last = size;
+    }
+    gui->SetViewContainer(nullptr);
+    gui->Uninitialize();
+    report.requested = container->Requests();
+    gui->Release();
+    container->Release();
+    instance.Destroy();
+    return true;
+}
+
+nlohmann::json GuiReportToJson(const SGuiReport& report)
+{
+    using nlohmann::json;
+    auto point = [](const AAX_Point& p) { return json{{"width", p.horz}, {"height", p.vert}}; };
+    json ticks = json::array(), requested = json::array();
+    for (const auto& p : report.sizesAfterTicks)
+        ticks.push_back(point(p));
+    for (const auto& p : report.requested)
+        requested.push_back(point(p));
+    return {{"format", "aaxhost-gui-1"},
+            {"initial_size", point(report.initialSize)},
+            {"sizes_after_ticks", ticks},
+            {"requested_sizes", requested}};
+}
+
+}  // namespace AAXHost

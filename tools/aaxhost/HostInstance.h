@@ -1,0 +1,92 @@
+// One effect instance as a host runs it: the effect parameters object made
+// by the plug-in's factory, its controller, and the algorithm context built
+// from the registered fields, with the buffers behind it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "AAX_IEffectParameters.h"
+#include "HostController.h"
+#include "HostMidiNode.h"
+#include "PluginDescription.h"
+#include "TransportState.h"
+
+namespace AAXHost {
+
+struct SInstanceConfig {
+    double sampleRate = 48000.0;
+    int32_t maxBlock = 512;
+    int32_t inputChannels = 32;   // the bypass copy reads 32 inputs
+    int32_t outputChannels = 34;  // main pair plus sixteen stereo stems
+};
+
+class CHostInstance {
+public:
+    CHostInstance(const SEffectInfo& effect, const SComponentInfo& component, const SInstanceConfig& config,
+                  const STransportState& transport);
+    ~CHostInstance();
+    CHostInstance(const CHostInstance&) = delete;
+    CHostInstance& operator=(const CHostInstance&) = delete;
+
+    // Factory, QueryInterface, Initialize, then the context and its fields.
+    bool Create(std::string& error);
+
+    // Before a buffer: coefficients, posted packets into their fields, MIDI
+    // input, buffer length and cleared outputs.
+    void PrepareBlock(int64_t blockStart, int32_t frames, const std::vector<AAX_CMidiPacket>& midiIn);
+
+    void* Context() { return mSlots.data(); }
+    float* Input(int ch) { return mInputPtrs[static_cast<size_t>(ch)]; }
+    const float* Output(int ch) const { return mOutputPtrs[static_cast<size_t>(ch)]; }
+    int32_t OutputChannels() const { return mConfig.outputChannels; }
+    int32_t InputChannels() const { return mConfig.inputChannels; }
+
+    AAX_IACFEffectParameters* Effect() { return mEffect; }
+    CHostController* Controller() { return mController; }
+    const CHostMidiNode* MidiOut() const;
+    size_t MidiInCount() const { return mMidiInCount; }
+
+    // Through the plug-in's own SetParameterNormalizedValue, so that the
+    // request travels the automation path as a user's edit does.
+    AAX_Result SetParameter(const std::string& id, double value);
+
+    // The effect's GUI factory (null when none was registered).
+    void* GuiFactory() const { return mEffectInfo.ProcPtr(kAAX_ProcPtrID_Create_EffectGUI); }
+
+    // Releases the effect; safe to call twice.
+    void Destroy();
+
+private:
+    struct SFieldBlock {
+        AAX_CFieldIndex index;
+        std::vector<uint8_t> bytes;
+    };
+    uint8_t* FieldBlock(AAX_CFieldIndex index);
+    bool BuildContext(std::string& error);
+
+    const SEffectInfo& mEffectInfo;
+    const SComponentInfo& mComponent;
+    SInstanceConfig mConfig;
+    const STransportState& mTransport;
+    CHostTransport mTransportView;
+
+    AAX_IACFEffectParameters* mEffect = nullptr;  // one reference
+    CHostController* mController = nullptr;        // one reference
+    bool mInitialized = false;
+
+    std::vector<void*> mSlots;
+    std::vector<std::unique_ptr<CHostMidiNode>> mMidiNodes;
+    std::vector<SFieldBlock> mFieldBlocks;
+    std::vector<float> mInputData, mOutputData;
+    std::vector<float*> mInputPtrs, mOutputPtrs;
+    int32_t mBufferLength = 0;
+    float mSampleRateField = 0.0f;
+    int64_t mClock = 0;
+    int64_t mBlockStart = 0;
+    size_t mMidiInCount = 0;
+};
+
+}  // namespace AAXHost

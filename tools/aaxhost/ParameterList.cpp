@@ -1,0 +1,92 @@
+#include "ParameterList.h"
+
+#include <cstdio>
+
+#include "CrashReport.h"
+#include "HostInstance.h"
+#include "HostString.h"
+#include "PluginSession.h"
+#include "ResultText.h"
+
+namespace AAXHost {
+
+bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
+                    std::string& error)
+{
+    out.clear();
+    const SEffectInfo* effect = session.FindEffect(effectID, error);
+    if (!effect)
+        return false;
+    const SComponentInfo* component = FindProcessingComponent(*effect);
+    static const SComponentInfo kNoComponent;
+    STransportState transport;
+    SInstanceConfig config;
+    SetPhase("instance creation");
+    CHostInstance instance(*effect, component ? *component : kNoComponent, config, transport);
+    if (!instance.Create(error))
+        return false;
+    SetPhase("reading parameters");
+    AAX_IACFEffectParameters& params = *instance.Effect();
+    int32_t count = 0;
+    AAX_Result r = params.GetNumberOfParameters(&count);
+    if (r != AAX_SUCCESS || count < 0 || count > 100000) {
+        error = "GetNumberOfParameters failed with " + ResultText(r);
+        return false;
+    }
+    CHostString bypass;
+    params.GetMasterBypassParameter(&bypass);
+    for (int32_t i = 0; i < count; ++i) {
+        CHostString id;
+        r = params.GetParameterIDFromIndex(i, &id);
+        if (r != AAX_SUCCESS) {
+            error = "GetParameterIDFromIndex(" + std::to_string(i) + ") failed with " + ResultText(r);
+            return false;
+        }
+        SParameterInfo p;
+        p.id = id.Text();
+        const char* pid = p.id.c_str();
+        CHostString name, text;
+        params.GetParameterName(pid, &name);
+        p.name = name.Text();
+        params.GetParameterNormalizedValue(pid, &p.value);
+        params.GetParameterDefaultNormalizedValue(pid, &p.defaultValue);
+        params.GetParameterValueString(pid, &text, 64);
+        p.valueText = text.Text();
+        params.GetParameterNumberOfSteps(pid, &p.steps);
+        AAX_CBoolean automatable = 0;
+        params.GetParameterIsAutomatable(pid, &automatable);
+        p.automatable = automatable != 0;
+        p.isMasterBypass = p.id == bypass.Text();
+        out.push_back(std::move(p));
+    }
+    instance.Destroy();
+    return true;
+}
+
+nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params)
+{
+    nlohmann::json arr = nlohmann::json::array();
+    for (const auto& p : params)
+        arr.push_back({{"id", p.id},
+                       {"name", p.name},
+                       {"value", p.value},
+                       {"default", p.defaultValue},
+                       {"text", p.valueText},
+                       {"steps", p.steps},
+                       {"automatable", p.automatable},
+                       {"master_bypass", p.isMasterBypass}});
+    return {{"format", "aaxhost-params-1"}, {"parameters", arr}};
+}
+
+void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params)
+{
+    char line[256];
+    for (const auto& p : params) {
+        std::snprintf(line, sizeof line, "%-16s %-24s value %.4f (default %.4f) \"%s\" steps %d%s%s\n", p.id.c_str(),
+                      p.name.c_str(), p.value, p.defaultValue, p.valueText.c_str(), p.steps,
+                      p.automatable ? "" : ", not automatable", p.isMasterBypass ? ", master bypass" : "");
+        out << line;
+    }
+}
+
+}  // namespace AAXHost

@@ -1,0 +1,30 @@
+// Lists an effect's parameters as the host sees them, so that users know
+// which IDs and values to give to render --set.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace AAXHost {
+
+class CPluginSession;
+
+struct SParameterInfo {
+    std::string id;
+    std::string name;
+    double value = 0.0;         // normalised
+    double defaultValue = 0.0;  // normalised
+    std::string valueText;
+    int32_t steps = 0;
+    bool automatable = false;
+    bool isMasterBypass = false;
+};
+
+bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
+                    std::string& error);
+nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params);
+void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params);
+
+}  // namespace AAXHost

@@ -1,0 +1,43 @@
+// Everything a render is asked to do, as given on the command line.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace AAXHost {
+
+struct SParameterSet {
+    std::string id;
+    double value = 0.0;
+    double atSeconds = 0.0;  // applied at the start of the buffer holding this time
+};
+
+// Parses "ID=VALUE" or "ID=VALUE@SECONDS".
+bool ParseParameterSet(const std::string& text, SParameterSet& out, std::string& error);
+// Parses "N/D".
+bool ParseMeter(const std::string& text, int32_t& numerator, int32_t& denominator, std::string& error);
+
+struct SRenderConfig {
+    std::string effectID;  // empty: the first effect
+    std::string outPath;
+    std::string midiPath;
+    double sampleRate = 48000.0;
+    int32_t blockSize = 512;
+    double tempo = 0.0;  // 0: the MIDI file's tempo, else 120
+    int32_t meterNumerator = 4;
+    int32_t meterDenominator = 4;
+    double seconds = 0.0;  // 0: the MIDI length plus the tail, or the tail alone
+    double tail = 2.0;
+    std::vector<SParameterSet> sets;
+    bool bypass = false;
+    bool testInput = false;
+    std::string saveState;
+    std::string loadState;
+    std::string stemsDir;
+    int32_t instances = 1;
+    bool json = false;
+    bool progress = true;  // shown only when standard output is a terminal
+};
+
+}  // namespace AAXHost

@@ -1,0 +1,184 @@
+// aaxhost: loads a built AAX bundle the way a host does and describes,
+// renders or opens it.
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <iostream>
+
+#include "CrashReport.h"
+#include "DescriptionPrinter.h"
+#include "GuiSession.h"
+#include "JsonOutput.h"
+#include "ParameterList.h"
+#include "PluginSession.h"
+#include "Renderer.h"
+
+using namespace AAXHost;
+
+namespace {
+
+int Fail(const std::string& what)
+{
+    std::fprintf(stderr, "aaxhost: error: %s\n", what.c_str());
+    return 1;
+}
+
+// Shuts the plug-in down and reports a failure of that step; returns the
+// exit code.
+int CloseSession(CPluginSession& session, int code)
+{
+    std::string error;
+    if (!session.Close(error))
+        return Fail(error);
+    return code;
+}
+
+int Describe(const std::string& bundle, bool json)
+{
+    CJsonOutput jsonOut(json);
+    CPluginSession session;
+    std::string error;
+    if (!session.Open(bundle, error))
+        return Fail(error);
+    const bool closed = session.Close(error);
+    SDescribeContext where{bundle, session.Bundle().libraryPath, session.LastCanUnloadNow()};
+    if (json)
+        jsonOut.Write(DescriptionToJson(session.Info(), where));
+    else
+        PrintDescription(std::cout, session.Info(), where);
+    return closed ? 0 : Fail(error);
+}
+
+int DoRender(const std::string& bundle, const SRenderConfig& config)
+{
+    CJsonOutput jsonOut(config.json);
+    CPluginSession session;
+    std::string error;
+    if (!session.Open(bundle, error))
+        return Fail(error);
+    SRenderReport report;
+    if (!Render(session, config, report, error)) {
+        const int code = Fail(error);
+        return CloseSession(session, code);
+    }
+    if (config.json)
+        jsonOut.Write(RenderReportToJson(report));
+    else
+        PrintRenderReport(std::cout, report);
+    return CloseSession(session, 0);
+}
+
+int DoParams(const std::string& bundle, const std::string& effectID, bool json)
+{
+    CJsonOutput jsonOut(json);
+    CPluginSession session;
+    std::string error;
+    if (!session.Open(bundle, error))
+        return Fail(error);
+    std::vector<SParameterInfo> params;
+    if (!ListParameters(session, effectID, params, error)) {
+        const int code = Fail(error);
+        return CloseSession(session, code);
+    }
+    if (json)
+        jsonOut.Write(ParametersToJson(params));
+    else
+        PrintParameters(std::cout, params);
+    return CloseSession(session, 0);
+}
+
+int DoGui(const std::string& bundle, SGuiConfig config, bool json)
+{
+    CJsonOutput jsonOut(json);
+    CPluginSession session;
+    std::string error;
+    if (!session.Open(bundle, error))
+        return Fail(error);
+    config.print = !json;
+    SGuiReport report;
+    if (!RunGui(session, config, report, error)) {
+        const int code = Fail(error);
+        return CloseSession(session, code);
+    }
+    if (json)
+        jsonOut.Write(GuiReportToJson(report));
+    return CloseSession(session, 0);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"aaxhost: load an AAX plug-in bundle as a host does, describe it, render it, open its view"};
+    app.require_subcommand(1);
+
+    std::string bundle;
+    bool json = false;
+
+    auto* describe = app.add_subcommand("describe", "Print the plug-in's registered description");
+    describe->add_option("bundle", bundle, "Path of the .aaxplugin bundle")->required();
+    describe->add_flag("--json", json, "Print the stable JSON form");
+
+    std::string paramsEffect;
+    auto* params = app.add_subcommand("params", "List the effect's parameters (IDs for render --set)");
+    params->add_option("bundle", bundle, "Path of the .aaxplugin bundle")->required();
+    params->add_option("--effect", paramsEffect, "Effect ID (default: the first)");
+    params->add_flag("--json", json, "Print the stable JSON form");
+
+    SRenderConfig rc;
+    std::vector<std::string> sets;
+    std::string meter;
+    auto* render = app.add_subcommand("render", "Render audio through the plug-in into WAV files");
+    render->add_option("bundle", bundle, "Path of the .aaxplugin bundle")->required();
+    render->add_option("--out,-o", rc.outPath, "Main stereo output WAV (32-bit float)")->required();
+    render->add_option("--midi", rc.midiPath, "Standard MIDI File to play");
+    render->add_option("--rate", rc.sampleRate, "Sample rate in Hz")->capture_default_str();
+    render->add_option("--block", rc.blockSize, "Buffer size in samples")->capture_default_str();
+    render->add_option("--tempo", rc.tempo, "Tempo in BPM (default: the MIDI file's, else 120)");
+    render->add_option("--meter", meter, "Meter, e.g. 3/4 (default 4/4)");
+    render->add_option("--seconds", rc.seconds, "Length in seconds (default: MIDI length plus tail)");
+    render->add_option("--tail", rc.tail, "Seconds rendered after the last MIDI event")->capture_default_str();
+    render->add_option("--set", sets, "Parameter change ID=VALUE or ID=VALUE@SECONDS (normalised 0..1)");
+    render->add_flag("--bypass", rc.bypass, "Engage the master bypass");
+    render->add_flag("--test-input", rc.testInput, "Feed a distinct sine to every input channel");
+    render->add_option("--save-state", rc.saveState, "Save every chunk of instance 0 after the render");
+    render->add_option("--load-state", rc.loadState, "Restore chunks into every instance before the render");
+    render->add_option("--stems", rc.stemsDir, "Folder for one WAV file per output stem");
+    render->add_option("--instances", rc.instances, "Instances processed in one batch")->capture_default_str();
+    render->add_option("--effect", rc.effectID, "Effect ID to run (default: the first)");
+    render->add_flag("--json", rc.json, "Print the summary as JSON");
+    bool noProgress = false;
+    render->add_flag("--no-progress", noProgress, "Never show the progress bar");
+
+    SGuiConfig gc;
+    auto* gui = app.add_subcommand("gui", "Open and close the plug-in's view without a window");
+    gui->add_option("bundle", bundle, "Path of the .aaxplugin bundle")->required();
+    gui->add_option("--ticks", gc.timerTicks, "Timer ticks to run")->capture_default_str();
+    gui->add_option("--effect", gc.effectID, "Effect ID to open (default: the first)");
+    gui->add_flag("--json", json, "Print the sizes as JSON");
+
+    CLI11_PARSE(app, argc, argv);
+    // Sanitizer builds report crashes themselves, in more detail.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    InstallCrashReport();
+#endif
+
+    if (*describe)
+        return Describe(bundle, json);
+    if (*params)
+        return DoParams(bundle, paramsEffect, json);
+    if (*render) {
+        std::string error;
+        for (const auto& s : sets) {
+            SParameterSet set;
+            if (!ParseParameterSet(s, set, error))
+                return Fail(error);
+            rc.sets.push_back(set);
+        }
+        if (!meter.empty() && !ParseMeter(meter, rc.meterNumerator, rc.meterDenominator, error))
+            return Fail(error);
+        rc.progress = !noProgress;
+        return DoRender(bundle, rc);
+    }
+    return DoGui(bundle, gc, json);
+}
