@@ -10,3 +10,15 @@ macro(aaxw_optional_subdirectory dir)
     add_subdirectory(${dir})
   endif()
 endmacro()
+
+# Adds every sub-folder that has a CMakeLists.txt: tests/, examples/, bench/
+# and fuzz/ are collections of self-contained areas.
+function(aaxw_add_area_subdirectories)
+  file(GLOB _children LIST_DIRECTORIES true RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}/*")
+  list(SORT _children)
+  foreach(_child IN LISTS _children)
+    if(IS_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/${_child}" AND EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${_child}/CMakeLists.txt")
+      add_subdirectory(${_child})
+    endif()
+  endforeach()
+endfunction()

@@ -1,0 +1,89 @@
+// Real-time thread: nothing here may allocate, lock or log, except the
+// exception path which ends the whole call anyway.
+#include "AAXWrapper_AlgorithmProcess.h"
+
+#include <cstring>
+
+#include "AAXWrapper_Parameters.h"
+#include "CException.h"
+#include "logger/CLog.h"
+#include "vst3/IFakeHost.h"
+
+namespace {
+
+// The host never hands us a negative length, but a corrupt context must not
+// turn into a huge memcpy.
+size_t BufferBytes(const S_Alg_Context& context)
+{
+    if (context.mBufferLength == nullptr || *context.mBufferLength <= 0)
+        return 0;
+    return static_cast<size_t>(*context.mBufferLength) * sizeof(float);
+}
+
+void CopyChannel(const S_Alg_Context& context, int channel, size_t bytes)
+{
+    const float* in = context.mInputs[channel];
+    float* out = context.mOutputs[channel];
+    if (in != nullptr && out != nullptr && in != out)
+        std::memcpy(out, in, bytes);
+}
+
+void PassThrough(const S_Alg_Context& context, size_t bytes)
+{
+    if (context.mInputs == nullptr || context.mOutputs == nullptr || bytes == 0)
+        return;
+    // The main pair first, then every pair: the main pair is copied twice by
+    // design, and the copy ignores the registered stem formats.
+    CopyChannel(context, 0, bytes);
+    CopyChannel(context, 1, bytes);
+    for (int channel = 0; channel < kAlgBypassChannels; channel += 2) {
+        CopyChannel(context, channel, bytes);
+        CopyChannel(context, channel + 1, bytes);
+    }
+}
+
+void Silence(const S_Alg_Context& context, size_t bytes)
+{
+    if (context.mOutputs == nullptr || bytes == 0)
+        return;
+    for (int channel = 0; channel < kAlgBypassChannels; ++channel) {
+        if (context.mOutputs[channel] != nullptr)
+            std::memset(context.mOutputs[channel], 0, bytes);
+    }
+}
+
+}  // namespace
+
+void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[], const void* inInstancesEnd)
+{
+    S_Alg_Context* const* const end = static_cast<S_Alg_Context* const*>(inInstancesEnd);
+    try {
+        for (S_Alg_Context* const* instance = inInstancesBegin; instance < end; ++instance) {
+            S_Alg_Context* const context = *instance;
+            if (context == nullptr)
+                continue;
+            const size_t bytes = BufferBytes(*context);
+
+            if (context->mBypass != nullptr && *context->mBypass != 0) {
+                PassThrough(*context, bytes);
+                continue;
+            }
+            if (context->mPrivateData == nullptr)
+                continue;
+
+            AAXWrapper_Parameters* wrapper = nullptr;
+            std::memcpy(&wrapper, context->mPrivateData, sizeof(wrapper));
+            if (wrapper == nullptr || wrapper->IsLoadingState()) {
+                Silence(*context, bytes);
+                continue;
+            }
+            IFakeHost* const fakeHost = wrapper->GetFakeHost();
+            if (fakeHost == nullptr)
+                continue;
+            fakeHost->Process(context);
+        }
+    } catch (const Morvane::CException& e) {
+        // Later instances are skipped: the host gets this buffer back as is.
+        MV_LOG("process", kLogError, "Exception in Process - ", e.what());
+    }
+}

@@ -1,0 +1,104 @@
+// The wrapper's own state chunk, kept after the base's chunks. Its content is
+// the wrapped plug-in's state exactly as the fake host writes it.
+#include "AAXWrapper_Identity.h"
+#include "AAXWrapper_Parameters.h"
+#include "FakeHostGuard.h"
+#include "logger/CLog.h"
+#include "vst3/IFakeHost.h"
+
+namespace {
+
+// The chunk ID is the product code.
+AAX_CTypeID WrapperChunkID()
+{
+    return kProductID;
+}
+
+int32_t BaseChunkCount(const AAX_CEffectParameters& base)
+{
+    int32_t count = 0;
+    base.AAX_CEffectParameters::GetNumberOfChunks(&count);
+    return count;
+}
+
+}  // namespace
+
+AAX_Result AAXWrapper_Parameters::GetNumberOfChunks(int32_t* oNumChunks) const
+{
+    if (oNumChunks == nullptr)
+        return AAX_ERROR_NULL_ARGUMENT;
+    *oNumChunks = BaseChunkCount(*this) + 1;
+    return AAX_SUCCESS;
+}
+
+AAX_Result AAXWrapper_Parameters::GetChunkIDFromIndex(int32_t iIndex, AAX_CTypeID* oChunkID) const
+{
+    if (oChunkID == nullptr)
+        return AAX_ERROR_NULL_ARGUMENT;
+    if (iIndex == BaseChunkCount(*this)) {
+        *oChunkID = WrapperChunkID();
+        return AAX_SUCCESS;
+    }
+    return AAX_CEffectParameters::GetChunkIDFromIndex(iIndex, oChunkID);
+}
+
+AAX_Result AAXWrapper_Parameters::GetChunkSize(AAX_CTypeID iChunkID, uint32_t* oSize) const
+{
+    if (iChunkID != WrapperChunkID())
+        return AAX_CEffectParameters::GetChunkSize(iChunkID, oSize);
+    if (oSize == nullptr)
+        return AAX_ERROR_NULL_ARGUMENT;
+    if (mFakeHost != nullptr) {
+        unsigned int size = 0;
+        if (CallFakeHost("GetChunkSize", [&] { mFakeHost->GetState(&size, nullptr); }))
+            *oSize = size;
+    }
+    return AAX_SUCCESS;
+}
+
+AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChunk* oChunk) const
+{
+    if (oChunk == nullptr)
+        return AAX_ERROR_NULL_ARGUMENT;
+    MV_LOG("parameters", kLogInfo, "GetChunk", " IN ", iChunkID, " size = ", oChunk->fSize);
+    if (iChunkID != WrapperChunkID())
+        return AAX_CEffectParameters::GetChunk(iChunkID, oChunk);
+    if (mFakeHost == nullptr)
+        return AAX_SUCCESS;
+    // fSize is a signed 32-bit field; the host writes an unsigned count into it.
+    unsigned int size = static_cast<unsigned int>(oChunk->fSize);
+    CallFakeHost("GetChunk", [&] { mFakeHost->GetState(&size, oChunk->fData); });
+    oChunk->fSize = static_cast<int32_t>(size);
+    MV_LOG("parameters", kLogInfo, "GetChunk", " OUT ", iChunkID, " size = ", oChunk->fSize);
+    return AAX_SUCCESS;
+}
+
+AAX_Result AAXWrapper_Parameters::SetChunk(AAX_CTypeID iChunkID, const AAX_SPlugInChunk* iChunk)
+{
+    // Silence from here on. For any other chunk the flag stays set until our
+    // own chunk has been applied, so the plug-in is never heard half-restored.
+    mIsLoadingState.store(true, std::memory_order_relaxed);
+    if (iChunk == nullptr) {
+        MV_LOG("parameters", kLogError, "SetChunk", " IN ", iChunkID, " without chunk");
+        if (iChunkID == WrapperChunkID())
+            mIsLoadingState.store(false, std::memory_order_relaxed);
+        return AAX_ERROR_NULL_ARGUMENT;
+    }
+    MV_LOG("parameters", kLogInfo, "SetChunk", " IN ", iChunkID, " size = ", iChunk->fSize);
+    if (iChunkID != WrapperChunkID())
+        return AAX_CEffectParameters::SetChunk(iChunkID, iChunk);
+
+    if (mFakeHost != nullptr) {
+        if (iChunk->fSize < 0) {
+            // Would read far past the host's block once made unsigned.
+            MV_LOG("parameters", kLogError, "SetChunk", " negative size ", iChunk->fSize, ", state ignored");
+        } else {
+            CallFakeHost("SetChunk", [&] {
+                mFakeHost->SetState(static_cast<unsigned int>(iChunk->fSize), const_cast<char*>(iChunk->fData));
+            });
+            MV_LOG("parameters", kLogInfo, "SetChunk", " OUT ", iChunkID, " size = ", iChunk->fSize);
+        }
+    }
+    mIsLoadingState.store(false, std::memory_order_relaxed);
+    return AAX_SUCCESS;
+}

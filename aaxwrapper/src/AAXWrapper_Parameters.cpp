@@ -1,0 +1,192 @@
+#include "AAXWrapper_Parameters.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "AAXWrapper_Identity.h"
+#include "FakeHostGuard.h"
+#include "AAXWrapper_PluginLocator.h"
+#include "AAX_CBinaryDisplayDelegate.h"
+#include "AAX_CBinaryTaperDelegate.h"
+#include "AAX_CLinearTaperDelegate.h"
+#include "AAX_CNumberDisplayDelegate.h"
+#include "AAX_CParameter.h"
+#include "AAX_CString.h"
+#include "CSingleton.h"
+#include "Resources.h"
+#include "S_Alg_Context.h"
+#include "logger/CLog.h"
+#include "vst2/CFakeHostVST2.h"
+#include "vst3/CFakeHostVST3.h"
+#include "vst3/IFakeHost.h"
+
+namespace {
+
+const char* const kMasterBypassID = "MasterBypassID";
+
+AAXWrapper_Parameters::FakeHostFactory gFakeHostFactoryForTesting = nullptr;
+
+}  // namespace
+
+AAX_IEffectParameters* AAXWrapper_Parameters::Create()
+{
+    return new AAXWrapper_Parameters;
+}
+
+void AAXWrapper_Parameters::SetFakeHostFactoryForTesting(FakeHostFactory factory)
+{
+    gFakeHostFactoryForTesting = factory;
+}
+
+AAXWrapper_Parameters::AAXWrapper_Parameters()
+{
+    std::string confPath;
+    if (CSingleton<Morvane::Resources>::getInstance()->GetAbsolutePath("log.conf", confPath)) {
+        CSingleton<CLog>::getInstance()->reloadConf(confPath);
+        MV_LOG("fakehost", kLogInfo, "Config file : ", confPath);
+    }
+    LogBundleInfo();
+
+    std::string path =
+        Morvane::FindPluginFile(Morvane::BuildPluginCandidates(VST_PLUGIN_NAME, VST_PLUGIN_EXTENSION));
+    CallFakeHost("CreateFakeHost", [&] { CreateFakeHost(path); });
+
+    if (mFakeHost == nullptr) {
+        MV_LOG("fakehost", kLogError, "Fakehost null.");
+        return;
+    }
+    // A host whose Init failed stays: its later answers are neutral.
+    CallFakeHost("Init", [&] {
+        MV_LOG("fakehost", kLogNotice, "###########   Plugins Info   ###########");
+        MV_LOG("fakehost", kLogNotice, "## Vendor   : ", mFakeHost->GetPluginVendor());
+        MV_LOG("fakehost", kLogNotice, "## Version  : ", mFakeHost->GetPluginVersion());
+        MV_LOG("fakehost", kLogNotice, "## Unique ID: ", mFakeHost->GetPluginProductUniqueID());
+        MV_LOG("fakehost", kLogNotice, "########################################");
+        mFakeHost->Init();
+    });
+}
+
+void AAXWrapper_Parameters::LogBundleInfo() const
+{
+    MV_LOG("fakehost", kLogNotice, "########################################");
+    MV_LOG("fakehost", kLogNotice, "###########   Bundle Info   ############");
+    MV_LOG("fakehost", kLogNotice, "########################################");
+    MV_LOG("fakehost", kLogNotice, "## Bundle id           : ", BUNDLE_ID);
+    MV_LOG("fakehost", kLogNotice, "## AAX Wrapper Version : ", VERSION);
+    MV_LOG("fakehost", kLogNotice, "## VST Plugin          : ", VST_PLUGIN_NAME);
+    MV_LOG("fakehost", kLogNotice, "## File extension      : ", VST_PLUGIN_EXTENSION);
+    MV_LOG("fakehost", kLogNotice, "## AAX Unique ID       : ", static_cast<uint32_t>(kProductID));
+    MV_LOG("fakehost", kLogNotice, "## Git Revision        : ", GIT_REVISION);
+    MV_LOG("fakehost", kLogNotice, "########################################");
+}
+
+void AAXWrapper_Parameters::CreateFakeHost(std::string& path)
+{
+    if (gFakeHostFactoryForTesting != nullptr) {
+        mFakeHost = gFakeHostFactoryForTesting(*this, path);
+        return;
+    }
+    // Case-sensitive on purpose: the extension is also the file suffix.
+    if (VST_PLUGIN_EXTENSION == "vst") {
+        mFakeHost = new CFakeHostVST2(*this, path);
+    } else if (VST_PLUGIN_EXTENSION == "vst3") {
+        mFakeHost = new CFakeHostVST3(*this, path);
+    } else {
+        MV_LOG("fakehost", kLogError, "Extension not well defined ", "\n", "[LOG] ## VST_PLUGIN_NAME = ",
+               VST_PLUGIN_NAME, "\n", "[LOG] ## file_extension = ", VST_PLUGIN_EXTENSION);
+    }
+}
+
+AAX_Result AAXWrapper_Parameters::EffectInit()
+{
+    auto* bypass = new AAX_CParameter<bool>(kMasterBypassID, AAX_CString("Master Bypass"), false,
+                                            AAX_CBinaryTaperDelegate<bool>(),
+                                            AAX_CBinaryDisplayDelegate<bool>("bypass", "on"), true);
+    bypass->SetNumberOfSteps(2);
+    bypass->SetType(AAX_eParameterType_Discrete);
+    mParameterManager.AddParameter(bypass);
+    mPacketDispatcher.RegisterPacket(kMasterBypassID, kAlgField_Bypass);
+
+    if (mFakeHost == nullptr)
+        return AAX_SUCCESS;
+
+    CallFakeHost("EffectInit", [&] { PublishPluginParameters(); });
+    return AAX_SUCCESS;
+}
+
+void AAXWrapper_Parameters::PublishPluginParameters()
+{
+    const int count = mFakeHost->GetParameterCount();
+    for (int index = 0; index < count; ++index) {
+        std::string name;
+        float value = 0.0f;
+        mFakeHost->GetParameterInfo(index, name, value);
+        char id[32];
+        std::snprintf(id, sizeof(id), "%d", index);
+        auto* parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
+                                                    AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
+                                                    AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
+        parameter->SetNumberOfSteps(50);
+        mParameterManager.AddParameter(parameter);
+        MV_LOG_AT("parameters", kLogDebug, "EffectInit", " Add Parameter id:", id, " name:", name,
+                  " value:", value, " uid=", parameter->Identifier());
+    }
+    mFakeHost->Setup();
+}
+
+AAX_Result AAXWrapper_Parameters::ResetFieldData(AAX_CFieldIndex inFieldIndex, void* oData,
+                                                 uint32_t inDataSize) const
+{
+    MV_LOG("parameters", kLogInfo, "ResetFieldData");
+    if (inFieldIndex != kAlgField_PrivateData)
+        return AAX_CEffectParameters::ResetFieldData(inFieldIndex, oData, inDataSize);
+    // A block too small for the pointer would be overrun: refuse it.
+    if (oData == nullptr || inDataSize < sizeof(const AAXWrapper_Parameters*))
+        return AAX_ERROR_INVALID_ARGUMENT;
+    std::memset(oData, 0, inDataSize);
+    const AAXWrapper_Parameters* const self = this;
+    std::memcpy(oData, &self, sizeof(self));
+    return AAX_SUCCESS;
+}
+
+AAX_Result AAXWrapper_Parameters::UpdateParameterNormalizedValue(AAX_CParamID iParameterID, double iValue,
+                                                                 AAX_EUpdateSource iSource)
+{
+    if (mFakeHost != nullptr && iParameterID != nullptr && std::strcmp(iParameterID, kMasterBypassID) != 0) {
+        CallFakeHost("UpdateParameterNormalizedValue", [&] { ForwardParameterChange(iParameterID, iValue); });
+    }
+    return AAX_CEffectParameters::UpdateParameterNormalizedValue(iParameterID, iValue, iSource);
+}
+
+void AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, double iValue)
+{
+    const int index = std::atoi(iParameterID);
+    std::string name;
+    float current = 0.0f;
+    mFakeHost->GetParameterInfo(index, name, current);
+    const double currentValue = static_cast<double>(current);
+    // -1.0 is the plug-in's way of saying "do not drive this one".
+    // Written as !(==) so that a NaN on either side counts as a change.
+    if (!(currentValue == iValue) && currentValue != -1.0) {
+        MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ", name, " from ",
+                  current, " to ", iValue);
+        mFakeHost->AddInputChangeForGUI(index, iValue);
+        mFakeHost->AddInputChangeForProcessing(index, iValue);
+    }
+}
+
+AAXWrapper_Parameters::~AAXWrapper_Parameters()
+{
+    MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", "");
+    if (mFakeHost != nullptr) {
+        mFakeHost->Quit();
+        MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " QUIT OK");
+        delete mFakeHost;
+        MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " DELETE  OK");
+        mFakeHost = nullptr;
+        MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " NULL  OK");
+    }
+    // Every instance tears the log down; the next log call builds it afresh.
+    CSingleton<CLog>::destroyInstance();
+}

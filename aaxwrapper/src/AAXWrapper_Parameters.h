@@ -1,0 +1,54 @@
+// The AAX data model of the effect: owns the fake host that runs the wrapped
+// VST plug-in, mirrors its parameters, carries its state in a chunk of our
+// own and hands itself to the real-time callback.
+#pragma once
+
+#include <atomic>
+#include <string>
+
+#include "AAX_CEffectParameters.h"
+
+class IFakeHost;
+
+class AAXWrapper_Parameters : public AAX_CEffectParameters {
+public:
+    // Returned as the interface type because the host calls the registered
+    // factory as AAX_IEffectParameters*(*)().
+    static AAX_IEffectParameters* Create();
+
+    AAXWrapper_Parameters();
+    ~AAXWrapper_Parameters() override;
+
+    AAX_Result EffectInit() override;
+    AAX_Result ResetFieldData(AAX_CFieldIndex inFieldIndex, void* oData, uint32_t inDataSize) const override;
+    AAX_Result UpdateParameterNormalizedValue(AAX_CParamID iParameterID, double iValue,
+                                              AAX_EUpdateSource iSource) override;
+
+    // State chunks: the base's chunks, then ours.
+    AAX_Result GetNumberOfChunks(int32_t* oNumChunks) const override;
+    AAX_Result GetChunkIDFromIndex(int32_t iIndex, AAX_CTypeID* oChunkID) const override;
+    AAX_Result GetChunkSize(AAX_CTypeID iChunkID, uint32_t* oSize) const override;
+    AAX_Result GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChunk* oChunk) const override;
+    AAX_Result SetChunk(AAX_CTypeID iChunkID, const AAX_SPlugInChunk* iChunk) override;
+
+    // Read by the real-time callback and the view.
+    IFakeHost* GetFakeHost() const { return mFakeHost; }
+    bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
+
+    // Test seam: when set, the constructor asks this function for the fake
+    // host instead of choosing one by extension (path is what the file search
+    // found). Tests only; never set in a shipped bundle.
+    using FakeHostFactory = IFakeHost* (*)(AAX_CEffectParameters& owner, std::string& path);
+    static void SetFakeHostFactoryForTesting(FakeHostFactory factory);
+
+private:
+    void LogBundleInfo() const;
+    void CreateFakeHost(std::string& path);
+    void PublishPluginParameters();
+    void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
+
+    IFakeHost* mFakeHost = nullptr;
+    // Set while a chunk is being restored; the callback outputs silence then.
+    // Atomic only so the cross-thread read is well defined; no ordering needed.
+    std::atomic<bool> mIsLoadingState{false};
+};

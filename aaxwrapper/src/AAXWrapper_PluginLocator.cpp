@@ -1,0 +1,79 @@
+#include "AAXWrapper_PluginLocator.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "CSingleton.h"
+#include "Resources.h"
+#include "logger/CLog.h"
+
+namespace Morvane {
+
+namespace {
+
+#ifndef __APPLE__
+void AppendLinuxFolders(const std::string& name, const std::string& extension, std::vector<std::string>& out)
+{
+    const char* const home = std::getenv("HOME");
+    const std::string homeText = home != nullptr ? home : "";
+    std::vector<std::string> folders;
+    std::vector<std::string> fileNames;
+    if (extension == "vst") {
+        if (!homeText.empty())
+            folders.push_back(homeText + "/.vst/");
+        folders.push_back("/usr/local/lib/vst/");
+        folders.push_back("/usr/lib/vst/");
+        fileNames = {name + ".vst", name + ".so"};
+    } else if (extension == "vst3") {
+        if (!homeText.empty())
+            folders.push_back(homeText + "/.vst3/");
+        folders.push_back("/usr/local/lib/vst3/");
+        folders.push_back("/usr/lib/vst3/");
+        fileNames = {name + ".vst3"};
+    }
+    for (const std::string& folder : folders)
+        for (const std::string& fileName : fileNames)
+            out.push_back(folder + fileName);
+}
+#endif
+
+// Only whether the path opens matters: a bundle folder counts as found.
+bool OpensForReading(const std::string& path)
+{
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0)
+        return false;
+    ::close(fd);
+    return true;
+}
+
+}  // namespace
+
+std::vector<std::string> BuildPluginCandidates(const std::string& name, const std::string& extension)
+{
+    const std::string fileName = name + "." + extension;
+    std::vector<std::string> candidates;
+    std::string resourcePath;
+    if (CSingleton<Resources>::getInstance()->GetAbsolutePath(fileName, resourcePath))
+        candidates.push_back(resourcePath);
+    candidates.push_back("/Library/Audio/Plug-Ins/VST/" + fileName);
+    candidates.push_back("/Library/Audio/Plug-Ins/VST3/" + fileName);
+#ifndef __APPLE__
+    AppendLinuxFolders(name, extension, candidates);
+#endif
+    return candidates;
+}
+
+std::string FindPluginFile(const std::vector<std::string>& candidates)
+{
+    for (const std::string& candidate : candidates) {
+        if (OpensForReading(candidate))
+            return candidate;
+        MV_LOG("fakehost", kLogWarning, "VST file not found on ", candidate);
+    }
+    return std::string();
+}
+
+}  // namespace Morvane

@@ -1,0 +1,36 @@
+# Build-time step of add_aax_wrapper(): puts the wrapped VST plug-in into the
+# bundle's resource folder under the name the wrapper looks for.
+#   -DSOURCE_FILE=<text file holding the plug-in's file or folder>
+#   -DDEST=<Resources folder>  -DFILE_NAME=<Name>.<ext>
+file(READ "${SOURCE_FILE}" SOURCE)
+string(STRIP "${SOURCE}" SOURCE)
+if(SOURCE STREQUAL "")
+  message(WARNING "add_aax_wrapper: no VST plug-in to copy into ${DEST}")
+  return()
+endif()
+if(NOT EXISTS "${SOURCE}")
+  message(FATAL_ERROR "add_aax_wrapper: VST plug-in '${SOURCE}' does not exist")
+endif()
+
+# A target's output file may sit inside a bundle folder (X.vst/X.so or
+# X.vst3/Contents/<arch>/X.so): the whole bundle is what must be copied.
+set(_source "${SOURCE}")
+if(NOT IS_DIRECTORY "${_source}")
+  set(_probe "${_source}")
+  foreach(_level RANGE 1 3)
+    get_filename_component(_probe "${_probe}" DIRECTORY)
+    if(_probe MATCHES "\\.(vst|vst3)$")
+      set(_source "${_probe}")
+      break()
+    endif()
+  endforeach()
+endif()
+
+set(_target "${DEST}/${FILE_NAME}")
+file(REMOVE_RECURSE "${_target}")
+file(MAKE_DIRECTORY "${DEST}")
+if(IS_DIRECTORY "${_source}")
+  file(COPY "${_source}/" DESTINATION "${_target}")
+else()
+  file(COPY_FILE "${_source}" "${_target}")
+endif()

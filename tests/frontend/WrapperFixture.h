@@ -1,0 +1,57 @@
+// Builds AAXWrapper_Parameters with a scripted fake host in place of the
+// real ones, through the wrapper's documented test seam.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "AAXWrapper_Parameters.h"
+#include "FakeHostDouble.h"
+#include "LogCapture.h"
+
+class WrapperTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        sScript = std::make_shared<FakeHostScript>();
+        sNoHost = false;
+        AAXWrapper_Parameters::SetFakeHostFactoryForTesting(&MakeHost);
+        mLog = std::make_unique<LogCapture>();
+    }
+    void TearDown() override
+    {
+        AAXWrapper_Parameters::SetFakeHostFactoryForTesting(nullptr);
+        mLog.reset();
+        sScript.reset();
+    }
+
+    FakeHostScript& Script() { return *sScript; }
+    void WithoutHost() { sNoHost = true; }
+
+    static IFakeHost* MakeHost(AAX_CEffectParameters& owner, std::string& path)
+    {
+        sScript->pathSeen = path;
+        if (sNoHost)
+            return nullptr;
+        return new FakeHostDouble(owner, sScript);
+    }
+
+    std::unique_ptr<LogCapture> mLog;
+    static inline std::shared_ptr<FakeHostScript> sScript;
+    static inline bool sNoHost = false;
+};
+
+// Owns a wrapper the way a host does: one reference, dropped at the end.
+struct WrapperDeleter {
+    void operator()(AAXWrapper_Parameters* wrapper) const { wrapper->Release(); }
+};
+using WrapperPtr = std::unique_ptr<AAXWrapper_Parameters, WrapperDeleter>;
+
+inline WrapperPtr MakeWrapper()
+{
+    auto* wrapper = static_cast<AAXWrapper_Parameters*>(AAXWrapper_Parameters::Create());
+    wrapper->AddRef();
+    return WrapperPtr(wrapper);
+}
