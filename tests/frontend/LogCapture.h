@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdio>
+#include <unistd.h>
 #include <fstream>
 #include <mutex>
 #include <string>
@@ -15,7 +16,8 @@ class LogCapture : public ILogRecordListener {
 public:
     LogCapture()
     {
-        mConfPath = ::testing::TempDir() + "frontend_log.conf";
+        // One file per process: ctest runs several test processes at once.
+        mConfPath = ::testing::TempDir() + "frontend_log." + std::to_string(::getpid()) + ".conf";
         {
             std::ofstream conf(mConfPath);
             for (const char* category : {"gui", "parameters", "fakehost", "process", "description", "bundle",

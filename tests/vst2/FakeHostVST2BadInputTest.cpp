@@ -1,5 +1,6 @@
 // Plug-in files that cannot give an effect: the fake host must still exist,
 // answer neutrally, survive every call, and log why.
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -58,7 +59,7 @@ void ExpectInertHost(CFakeHostVST2& host)
 
 TEST(FakeHostVST2BadInput, MissingFileNonLibraryAndNoEntryLeaveAnInertHost)
 {
-    const std::string textFile = std::string("/tmp/vst2test-plain-text.so");
+    const std::string textFile = std::string("/tmp/vst2test-plain-text-") + std::to_string(::getpid()) + ".so";
     std::ofstream(textFile) << "not a shared object\n";
     for (const std::string& path : {BuiltPlugin("no-such-plugin.so"), textFile, BuiltPlugin("vst2probe_noentry.so")}) {
         CLogCapture log({"bundle", "process"});

@@ -1,5 +1,6 @@
 // Entry-function lookup of the loader, with Debian's VST 2 plug-ins and the
 // probe's variants.
+#include <unistd.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -82,7 +83,7 @@ TEST(VST2PluginLoader, MachOnlyEntryIsFoundAfterTwoFailedLookups)
 
 TEST(VST2PluginLoader, FilesWithoutAnEntryGiveAnEmptyCallable)
 {
-    const std::string notALibrary = std::string("/tmp/vst2test-not-a-library.so");
+    const std::string notALibrary = std::string("/tmp/vst2test-not-a-library-") + std::to_string(::getpid()) + ".so";
     std::ofstream(notALibrary) << "this is text, not code\n";
     for (const std::string& path : {BuiltPlugin("vst2probe_noentry.so"), BuiltPlugin("does-not-exist.so"), notALibrary,
                                     std::string(VST2_TEST_VST_DIR)}) {
