@@ -326,8 +326,8 @@ TEST_F(ProbeHost, StateCarriesTheBankChunkWithTheMargin)
     Host().GetState(&written, state.data());
     EXPECT_EQ(written, size);
     EXPECT_EQ(std::string(state.begin(), state.begin() + 4), "VPRB");
-    // Only the chunk is copied; the margin stays the caller's.
-    EXPECT_TRUE(std::all_of(state.begin() + 20, state.end(), [](unsigned char b) { return b == 0xEE; }));
+    // The margin is zeroed, so a saved chunk never carries stale host memory.
+    EXPECT_TRUE(std::all_of(state.begin() + 20, state.end(), [](unsigned char b) { return b == 0; }));
 
     HostedPlugin fresh(BuiltPlugin("vst2probe.so"));
     fresh.host->SetState(size, state.data());

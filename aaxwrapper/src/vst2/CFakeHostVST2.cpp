@@ -1,6 +1,7 @@
 // Lifecycle, description, parameters and state of the VST 2 fake host.
 #include "vst2/CFakeHostVST2.h"
 
+#include <cstdint>
 #include <cstring>
 #include <exception>
 
@@ -158,9 +159,21 @@ void CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
         MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the plug-in gave no chunk");
         size = 0;
     }
+    // AAX chunk sizes are 32-bit signed; a larger state cannot be saved.
+    if (size > static_cast<VstIntPtr>(INT32_MAX - kStateMargin)) {
+        MV_LOG("fakehost", kLogError, "VST2 - GetState: chunk of ", static_cast<long long>(size),
+               " bytes is too large to save");
+        size = 0;
+    }
     *outSize = static_cast<unsigned int>(size) + kStateMargin;
-    if (outpData != nullptr && size > 0)
-        std::memcpy(outpData, chunk, static_cast<size_t>(size));
+    if (outpData != nullptr) {
+        if (size > 0)
+            std::memcpy(outpData, chunk, static_cast<size_t>(size));
+        // The margin is part of the saved chunk: zero it so projects never
+        // carry stale host memory, and plug-ins that read their chunk as
+        // text find a terminator.
+        std::memset(static_cast<char*>(outpData) + size, 0, kStateMargin);
+    }
 }
 
 void CFakeHostVST2::SetState(unsigned int inSize, void* inpData)
