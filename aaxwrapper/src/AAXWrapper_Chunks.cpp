@@ -65,8 +65,20 @@ AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChun
         return AAX_CEffectParameters::GetChunk(iChunkID, oChunk);
     if (mFakeHost == nullptr)
         return AAX_SUCCESS;
+    // The host sized the chunk from our earlier GetChunkSize. A state that has
+    // grown since would be written past the host's block: measure first and
+    // refuse, as the base does for its own chunk, so the host asks again.
+    const unsigned int capacity = oChunk->fSize > 0 ? static_cast<unsigned int>(oChunk->fSize) : 0u;
+    unsigned int needed = 0;
+    if (!CallFakeHost("GetChunk", [&] { mFakeHost->GetState(&needed, nullptr); }))
+        return AAX_SUCCESS;
+    if (needed > capacity) {
+        MV_LOG("parameters", kLogError, "GetChunk", " state of ", needed, " bytes does not fit the chunk of ",
+               capacity, " bytes");
+        return AAX_ERROR_INCORRECT_CHUNK_SIZE;
+    }
     // fSize is a signed 32-bit field; the host writes an unsigned count into it.
-    unsigned int size = static_cast<unsigned int>(oChunk->fSize);
+    unsigned int size = capacity;
     CallFakeHost("GetChunk", [&] { mFakeHost->GetState(&size, oChunk->fData); });
     oChunk->fSize = static_cast<int32_t>(size);
     MV_LOG("parameters", kLogInfo, "GetChunk", " OUT ", iChunkID, " size = ", oChunk->fSize);

@@ -58,10 +58,14 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
     }
     // A host whose Init failed stays: its later answers are neutral.
     CallFakeHost("Init", [&] {
+        // Asked whatever the log keeps: the plug-in sees the same calls either way.
+        const std::string vendor = mFakeHost->GetPluginVendor();
+        const std::string version = mFakeHost->GetPluginVersion();
+        const int32_t uniqueID = mFakeHost->GetPluginProductUniqueID();
         MV_LOG("fakehost", kLogNotice, "###########   Plugins Info   ###########");
-        MV_LOG("fakehost", kLogNotice, "## Vendor   : ", mFakeHost->GetPluginVendor());
-        MV_LOG("fakehost", kLogNotice, "## Version  : ", mFakeHost->GetPluginVersion());
-        MV_LOG("fakehost", kLogNotice, "## Unique ID: ", mFakeHost->GetPluginProductUniqueID());
+        MV_LOG("fakehost", kLogNotice, "## Vendor   : ", vendor);
+        MV_LOG("fakehost", kLogNotice, "## Version  : ", version);
+        MV_LOG("fakehost", kLogNotice, "## Unique ID: ", uniqueID);
         MV_LOG("fakehost", kLogNotice, "########################################");
         mFakeHost->Init();
     });
