@@ -25,6 +25,24 @@ struct RefCounter {
     acfUInt32 Sub() { return static_cast<acfUInt32>(--refs); }
 };
 
+// A double that answers one interface besides IACFUnknown, always as the
+// same object, counting the references it hands out.
+template <class Interface, const acfIID& kInterfaceID>
+class SingleInterfaceDouble : public Interface {
+public:
+    RefCounter counter;
+    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
+    {
+        *ppOut = nullptr;
+        if (iid != kInterfaceID && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
+        *ppOut = static_cast<Interface*>(this);
+        counter.Add();
+        return ACF_OK;
+    }
+    acfUInt32 AddRef() override { return counter.Add(); }
+    acfUInt32 Release() override { return counter.Sub(); }
+};
+
 // One host object answering the controller, automation and transport
 // interfaces of an effect instance, as a real host's controller does.
 class HostController final : public AAX_IACFController, public AAX_IACFAutomationDelegate, public AAX_IACFTransport {
@@ -104,35 +122,11 @@ public:
 };
 
 // An object that answers nothing but IACFUnknown.
-class HostNothing final : public IACFUnknown {
-public:
-    RefCounter counter;
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = this;
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
-};
+class HostNothing final : public SingleInterfaceDouble<IACFUnknown, IID_IACFUnknown> {};
 
-class HostViewContainer final : public AAX_IACFViewContainer {
+class HostViewContainer final : public SingleInterfaceDouble<AAX_IACFViewContainer, IID_IAAXViewContainerV1> {
 public:
-    RefCounter counter;
     int nativeView = 0;
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IAAXViewContainerV1 && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = static_cast<AAX_IACFViewContainer*>(this);
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
     int32_t GetType() override { return AAX_eViewContainer_Type_NSView; }
     void* GetPtr() override { return &nativeView; }
     AAX_Result GetModifiers(uint32_t* m) override { *m = 0; return 0; }
@@ -142,20 +136,9 @@ public:
 // The description family: a collection that hands out effect descriptors,
 // which hand out component descriptors and property maps. Everything it
 // creates stays alive in the collection so tests can inspect it afterwards.
-class HostPropertyMap final : public AAX_IACFPropertyMap {
+class HostPropertyMap final : public SingleInterfaceDouble<AAX_IACFPropertyMap, IID_IAAXPropertyMapV1> {
 public:
-    RefCounter counter;
     std::vector<std::pair<int32_t, int32_t>> properties;
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IAAXPropertyMapV1 && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = static_cast<AAX_IACFPropertyMap*>(this);
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
     AAX_CBoolean GetProperty(AAX_EProperty p, AAX_CPropertyValue* v) const override
     {
         for (auto& kv : properties)
@@ -169,25 +152,15 @@ public:
     AAX_Result RemoveProperty(AAX_EProperty) override { return 0; }
 };
 
-class HostComponentDescriptor final : public AAX_IACFComponentDescriptor {
+class HostComponentDescriptor final
+    : public SingleInterfaceDouble<AAX_IACFComponentDescriptor, IID_IAAXComponentDescriptorV1> {
 public:
-    RefCounter counter;
     std::vector<std::string> calls;
     std::vector<HostPropertyMap*> maps;
     ~HostComponentDescriptor()
     {
         for (auto* m : maps) delete m;
     }
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IAAXComponentDescriptorV1 && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = static_cast<AAX_IACFComponentDescriptor*>(this);
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
     AAX_Result Clear() override { return Note("Clear"); }
     AAX_Result AddAudioIn(AAX_CFieldIndex i) override { return Note("AudioIn " + std::to_string(i)); }
     AAX_Result AddAudioOut(AAX_CFieldIndex i) override { return Note("AudioOut " + std::to_string(i)); }
@@ -216,25 +189,14 @@ private:
     }
 };
 
-class HostEffectDescriptor final : public AAX_IACFEffectDescriptor {
+class HostEffectDescriptor final : public SingleInterfaceDouble<AAX_IACFEffectDescriptor, IID_IAAXEffectDescriptorV1> {
 public:
-    RefCounter counter;
     std::vector<std::string> calls;
     std::vector<HostComponentDescriptor*> components;
     ~HostEffectDescriptor()
     {
         for (auto* c : components) delete c;
     }
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IAAXEffectDescriptorV1 && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = static_cast<AAX_IACFEffectDescriptor*>(this);
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
     IACFUnknown* NewComponentDescriptor() override { components.push_back(new HostComponentDescriptor); components.back()->counter.Add(); return components.back(); }
     AAX_Result AddComponent(IACFUnknown* c) override { calls.push_back(c != nullptr ? "AddComponent" : "AddComponent null"); return 0; }
     AAX_Result AddName(const char* n) override { calls.push_back(std::string("AddName ") + n); return 0; }
@@ -284,20 +246,9 @@ public:
     AAX_Result SetProperties(IACFUnknown*) override { return 0; }
 };
 
-class HostServices final : public AAX_IACFHostServices {
+class HostServices final : public SingleInterfaceDouble<AAX_IACFHostServices, IID_IAAXHostServicesV1> {
 public:
-    RefCounter counter;
     std::vector<std::string> traces;
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = nullptr;
-        if (iid != IID_IAAXHostServicesV1 && iid != IID_IACFUnknown) return ACF_E_NOINTERFACE;
-        *ppOut = static_cast<AAX_IACFHostServices*>(this);
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
     AAX_Result HandleAssertFailure(const char* file, int32_t line, const char* note) const override { const_cast<HostServices*>(this)->traces.push_back(std::string(file) + ":" + std::to_string(line) + " " + note); return 0; }
     AAX_Result Trace(int32_t, const char* message) const override { const_cast<HostServices*>(this)->traces.emplace_back(message); return 0; }
 };

@@ -11,33 +11,23 @@
 #include "AAXWrapper_AlgorithmProcess.h"
 #include "AAXWrapper_Identity.h"
 #include "AllocationCounter.h"
+#include "CTestContext.h"
 #include "WrapperFixture.h"
 
 namespace {
 
-constexpr int kInputs = 32;
-constexpr int kOutputs = 34;
 constexpr float kUntouched = 7.0f;
 
-// One algorithm instance: its buffers and the nine fields.
-struct Instance {
-    explicit Instance(int32_t samples) : length(samples)
+// One algorithm instance: its buffers and the nine fields, with the wrapper
+// pointer in the private data as the instance-init callback leaves it.
+struct Instance : TestSupport::CTestContext {
+    explicit Instance(int32_t samples) : CTestContext(samples)
     {
-        for (int c = 0; c < kInputs; ++c) {
-            inputs[c].assign(static_cast<size_t>(samples), 0.0f);
+        for (int c = 0; c < kInputs; ++c)
             for (int32_t s = 0; s < samples; ++s)
-                inputs[c][static_cast<size_t>(s)] = static_cast<float>(c * 1000 + s);
-            inputPtrs[c] = inputs[c].data();
-        }
-        for (int c = 0; c < kOutputs; ++c) {
-            outputs[c].assign(static_cast<size_t>(samples), kUntouched);
-            outputPtrs[c] = outputs[c].data();
-        }
-        context.mBypass = &bypass;
-        context.mInputs = inputPtrs.data();
-        context.mOutputs = outputPtrs.data();
-        context.mBufferLength = &length;
-        context.mPrivateData = privateData.data();
+                Input(c)[static_cast<size_t>(s)] = static_cast<float>(c * 1000 + s);
+        FillOutputs(kUntouched);
+        mContext.mPrivateData = privateData.data();
     }
     void HoldWrapper(const AAXWrapper_Parameters* wrapper)
     {
@@ -45,20 +35,13 @@ struct Instance {
     }
     bool ChannelIs(int channel, float value) const
     {
-        for (float sample : outputs[channel])
+        for (float sample : Output(channel))
             if (sample != value)
                 return false;
         return true;
     }
 
-    int32_t bypass = 0;
-    int32_t length;
-    std::array<std::vector<float>, kInputs> inputs;
-    std::array<std::vector<float>, kOutputs> outputs;
-    std::array<float*, kInputs> inputPtrs{};
-    std::array<float*, kOutputs> outputPtrs{};
     std::array<unsigned char, 8> privateData{};
-    S_Alg_Context context{};
 };
 
 void RunBatch(std::vector<S_Alg_Context*>& batch)
@@ -74,24 +57,24 @@ TEST_F(AlgorithmProcessTest, BypassCopiesTheFirst32ChannelsWhateverTheWrapperSta
 {
     auto wrapper = MakeWrapper();
     Instance instance(64);
-    instance.bypass = 1;
+    instance.mBypass = 1;
     instance.HoldWrapper(wrapper.get());
-    std::vector<S_Alg_Context*> batch{&instance.context};
+    std::vector<S_Alg_Context*> batch{instance.Context()};
     RunBatch(batch);
 
     for (int c = 0; c < kAlgBypassChannels; ++c)
-        EXPECT_EQ(instance.outputs[c], instance.inputs[c]) << "channel " << c;
+        EXPECT_EQ(instance.Output(c), instance.Input(c)) << "channel " << c;
     EXPECT_TRUE(instance.ChannelIs(32, kUntouched));
     EXPECT_TRUE(instance.ChannelIs(33, kUntouched));
     EXPECT_TRUE(Script().processedBy.empty()) << "bypass must not reach the plug-in";
 
     // Bypass wins over a missing wrapper too.
     Instance orphan(64);
-    orphan.bypass = 1;
-    orphan.context.mPrivateData = nullptr;
-    std::vector<S_Alg_Context*> orphanBatch{&orphan.context};
+    orphan.mBypass = 1;
+    orphan.mContext.mPrivateData = nullptr;
+    std::vector<S_Alg_Context*> orphanBatch{orphan.Context()};
     RunBatch(orphanBatch);
-    EXPECT_EQ(orphan.outputs[31], orphan.inputs[31]);
+    EXPECT_EQ(orphan.Output(31), orphan.Input(31));
 }
 
 TEST_F(AlgorithmProcessTest, MissingWrapperSilencesAndMissingPrivateDataLeavesOutputs)
@@ -99,8 +82,8 @@ TEST_F(AlgorithmProcessTest, MissingWrapperSilencesAndMissingPrivateDataLeavesOu
     Instance nullWrapper(64);
     nullWrapper.HoldWrapper(nullptr);
     Instance noPrivateData(64);
-    noPrivateData.context.mPrivateData = nullptr;
-    std::vector<S_Alg_Context*> batch{&nullWrapper.context, &noPrivateData.context};
+    noPrivateData.mContext.mPrivateData = nullptr;
+    std::vector<S_Alg_Context*> batch{nullWrapper.Context(), noPrivateData.Context()};
     RunBatch(batch);
 
     for (int c = 0; c < kAlgBypassChannels; ++c) {
@@ -115,9 +98,9 @@ TEST_F(AlgorithmProcessTest, EmptyBatchAndZeroLengthDoNothing)
     Instance instance(16);
     std::vector<S_Alg_Context*> empty;
     AAXWrapper_AlgorithmProcessFunction(empty.data(), empty.data());
-    instance.bypass = 1;
-    instance.length = 0;
-    std::vector<S_Alg_Context*> batch{&instance.context};
+    instance.mBypass = 1;
+    instance.mFrames = 0;
+    std::vector<S_Alg_Context*> batch{instance.Context()};
     RunBatch(batch);
     EXPECT_TRUE(instance.ChannelIs(0, kUntouched));
 }
@@ -128,7 +111,7 @@ TEST_F(AlgorithmProcessTest, EachInstanceReachesItsHostOnce)
     Instance a(32), b(32);
     a.HoldWrapper(wrapper.get());
     b.HoldWrapper(wrapper.get());
-    std::vector<S_Alg_Context*> batch{&a.context, &b.context};
+    std::vector<S_Alg_Context*> batch{a.Context(), b.Context()};
     RunBatch(batch);
     EXPECT_EQ(Script().processedBy.size(), 2u);
     EXPECT_TRUE(a.ChannelIs(0, kUntouched)) << "the double writes nothing, so neither may the callback";
@@ -140,9 +123,9 @@ TEST_F(AlgorithmProcessTest, WithoutFakeHostOutputsStayAsTheHostGaveThem)
     auto wrapper = MakeWrapper();
     Instance instance(32);
     instance.HoldWrapper(wrapper.get());
-    std::vector<S_Alg_Context*> batch{&instance.context};
+    std::vector<S_Alg_Context*> batch{instance.Context()};
     RunBatch(batch);
-    for (int c = 0; c < kOutputs; ++c)
+    for (int c = 0; c < Instance::kOutputs; ++c)
         EXPECT_TRUE(instance.ChannelIs(c, kUntouched)) << "channel " << c;
 }
 
@@ -155,7 +138,7 @@ TEST_F(AlgorithmProcessTest, CExceptionStopsTheBatchWithOneErrorLine)
     a.HoldWrapper(first.get());
     b.HoldWrapper(second.get());
     c.HoldWrapper(third.get());
-    std::vector<S_Alg_Context*> batch{&a.context, &b.context, &c.context};
+    std::vector<S_Alg_Context*> batch{a.Context(), b.Context(), c.Context()};
 
     Script().throwAtCall = 2;
     RunBatch(batch);
@@ -171,7 +154,7 @@ TEST_F(AlgorithmProcessTest, StateRestoreSilencesUntilTheWrapperChunkIsApplied)
     wrapper->EffectInit();
     Instance instance(32);
     instance.HoldWrapper(wrapper.get());
-    std::vector<S_Alg_Context*> batch{&instance.context};
+    std::vector<S_Alg_Context*> batch{instance.Context()};
 
     // Restoring the base's chunk alone leaves the flag set.
     uint32_t size = 0;
@@ -203,15 +186,15 @@ TEST_F(AlgorithmProcessTest, NormalPathAllocatesNothing)
     Instance processed(64), bypassed(64), silenced(64);
     processed.HoldWrapper(wrapper.get());
     bypassed.HoldWrapper(wrapper.get());
-    bypassed.bypass = 1;
+    bypassed.mBypass = 1;
     silenced.HoldWrapper(nullptr);
-    std::vector<S_Alg_Context*> batch{&processed.context, &bypassed.context, &silenced.context};
+    std::vector<S_Alg_Context*> batch{processed.Context(), bypassed.Context(), silenced.Context()};
     Script().processedBy.reserve(8);  // the double itself must not allocate either
 
-    const size_t before = FrontendTest::AllocationCount();
+    const size_t before = TestSupport::HeapAllocationCount();
     for (int i = 0; i < 4; ++i)
         RunBatch(batch);
-    EXPECT_EQ(FrontendTest::AllocationCount(), before);
+    EXPECT_EQ(TestSupport::HeapAllocationCount(), before);
     EXPECT_EQ(Script().processedBy.size(), 4u);
 }
 
@@ -221,7 +204,7 @@ TEST_F(AlgorithmProcessTest, StateRestoreMayRunBesideTheCallback)
     auto wrapper = MakeWrapper();
     Instance instance(32);
     instance.HoldWrapper(wrapper.get());
-    std::vector<S_Alg_Context*> batch{&instance.context};
+    std::vector<S_Alg_Context*> batch{instance.Context()};
     std::atomic<bool> stop{false};
     std::thread audio([&] {
         while (!stop.load())

@@ -9,7 +9,7 @@
 
 #include "AAXWrapper_Parameters.h"
 #include "FakeHostDouble.h"
-#include "LogCapture.h"
+#include "CLogCapture.h"
 
 class WrapperTest : public ::testing::Test {
 protected:
@@ -18,7 +18,7 @@ protected:
         sScript = std::make_shared<FakeHostScript>();
         sNoHost = false;
         AAXWrapper_Parameters::SetFakeHostFactoryForTesting(&MakeHost);
-        mLog = std::make_unique<LogCapture>();
+        mLog = std::make_unique<TestSupport::CLogCapture>();
     }
     void TearDown() override
     {
@@ -38,7 +38,7 @@ protected:
         return new FakeHostDouble(owner, sScript);
     }
 
-    std::unique_ptr<LogCapture> mLog;
+    std::unique_ptr<TestSupport::CLogCapture> mLog;
     static inline std::shared_ptr<FakeHostScript> sScript;
     static inline bool sNoHost = false;
 };

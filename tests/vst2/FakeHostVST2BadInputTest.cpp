@@ -1,10 +1,6 @@
 // Plug-in files that cannot give an effect: the fake host must still exist,
 // answer neutrally, survive every call, and log why.
-#include <unistd.h>
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <fstream>
 
 #include "Vst2TestSupport.h"
 
@@ -29,8 +25,8 @@ void ExpectInertHost(CFakeHostVST2& host)
 
     CTestContext ctx(32);
     ctx.FillOutputs(0.5f);
-    ctx.midiIn.incoming = {Packet(0, {0x90, 60, 100})};
-    host.Process(&ctx.context);
+    ctx.mMidiIn.mPackets = {MidiPacket(0, {0x90, 60, 100})};
+    host.Process(ctx.Context());
     host.Process(nullptr);
     EXPECT_EQ(ctx.Output(0)[0], 0.5f);  // untouched
     host.AddInputChangeForProcessing(0, 0.5);
@@ -42,7 +38,7 @@ void ExpectInertHost(CFakeHostVST2& host)
     std::vector<unsigned char> bytes(200);
     host.SetState(static_cast<unsigned int>(bytes.size()), bytes.data());
 
-    CFakeViewContainer view;
+    CTestViewContainer view;
     host.CreateGUI(&view);
     float width = 7.0f;
     float height = 9.0f;
@@ -50,7 +46,7 @@ void ExpectInertHost(CFakeHostVST2& host)
     EXPECT_EQ(width, 7.0f);
     EXPECT_EQ(height, 9.0f);
     EXPECT_EQ(host.TimerWakeup(), 0);
-    EXPECT_TRUE(view.sizes.empty());
+    EXPECT_TRUE(view.mSizes.empty());
     host.QuitGUI();
     host.Quit();
 }
@@ -59,8 +55,8 @@ void ExpectInertHost(CFakeHostVST2& host)
 
 TEST(FakeHostVST2BadInput, MissingFileNonLibraryAndNoEntryLeaveAnInertHost)
 {
-    const std::string textFile = std::string("/tmp/vst2test-plain-text-") + std::to_string(::getpid()) + ".so";
-    std::ofstream(textFile) << "not a shared object\n";
+    const CTempDir dir;
+    const std::string textFile = dir.WriteFile("plain-text.so", "not a shared object\n");
     for (const std::string& path : {BuiltPlugin("no-such-plugin.so"), textFile, BuiltPlugin("vst2probe_noentry.so")}) {
         CLogCapture log({"bundle", "process"});
         CTestOwner owner;
@@ -69,7 +65,6 @@ TEST(FakeHostVST2BadInput, MissingFileNonLibraryAndNoEntryLeaveAnInertHost)
         EXPECT_TRUE(log.Contains("VST Plugin main entry not found (" + path + ")")) << path;
         ExpectInertHost(host);
     }
-    std::remove(textFile.c_str());
 }
 
 TEST(FakeHostVST2BadInput, EntryReturningNullLeavesAnInertHost)
@@ -89,12 +84,12 @@ TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsTolerated)
     CProbeRecord record;
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
     CTestContext ctx(16);
-    ctx.context.mMidiIn = nullptr;
-    ctx.context.mMidiTransport = nullptr;
-    hosted.host->Process(&ctx.context);
-    ctx.context.mSampleRate = nullptr;
-    ctx.context.mBufferLength = nullptr;
-    hosted.host->Process(&ctx.context);
+    ctx.mContext.mMidiIn = nullptr;
+    ctx.mContext.mMidiTransport = nullptr;
+    hosted.host->Process(ctx.Context());
+    ctx.mContext.mSampleRate = nullptr;
+    ctx.mContext.mBufferLength = nullptr;
+    hosted.host->Process(ctx.Context());
     // The first call set the rate; without a length nothing is rendered.
     EXPECT_EQ(record.LinesStartingWith("process").size(), 1u);
     EXPECT_EQ(record.LinesStartingWith("dispatch effSetSampleRate").size(), 1u);
@@ -121,7 +116,7 @@ TEST(FakeHostVST2BadInput, EditorWithoutRectangleKeepsTheSize)
     setenv("VST2PROBE_NO_RECT", "1", 1);
     CProbeRecord record;
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
-    CFakeViewContainer view;
+    CTestViewContainer view;
     hosted.host->CreateGUI(&view);
     float width = 3.0f;
     float height = 4.0f;
@@ -129,7 +124,7 @@ TEST(FakeHostVST2BadInput, EditorWithoutRectangleKeepsTheSize)
     EXPECT_EQ(width, 3.0f);
     EXPECT_EQ(height, 4.0f);
     hosted.host->TimerWakeup();
-    EXPECT_TRUE(view.sizes.empty());
+    EXPECT_TRUE(view.mSizes.empty());
     unsetenv("VST2PROBE_NO_RECT");
 }
 
@@ -143,7 +138,7 @@ TEST(FakeHostVST2BadInput, PluginWithMoreOutputsThanTheHostIsSilencedNotOverrun)
     EXPECT_TRUE(log.Contains("40 outputs"));
     CTestContext ctx(32);
     ctx.FillOutputs(0.5f);
-    hosted.host->Process(&ctx.context);
+    hosted.host->Process(ctx.Context());
     EXPECT_TRUE(record.LinesStartingWith("process").empty());
     for (int c = 0; c < CTestContext::kOutputs; ++c)
         EXPECT_TRUE(ctx.OutputIsSilent(c)) << c;

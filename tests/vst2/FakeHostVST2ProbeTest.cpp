@@ -94,10 +94,10 @@ TEST_F(ProbeHost, SampleRateChangesSuspendSetAndResumeBeforeProcessing)
 {
     CTestContext ctx(32, 48000.0f);
     record.Clear();
-    Host().Process(&ctx.context);
-    Host().Process(&ctx.context);
-    ctx.sampleRate = 44100.0f;
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
+    Host().Process(ctx.Context());
+    ctx.mSampleRate = 44100.0f;
+    Host().Process(ctx.Context());
 
     std::vector<std::string> seen;
     for (const std::string& line : record.Lines())
@@ -119,16 +119,16 @@ TEST_F(ProbeHost, SampleRateChangesSuspendSetAndResumeBeforeProcessing)
 TEST_F(ProbeHost, TimeInformationFollowsTheTransport)
 {
     CTestContext ctx(16, 48000.0f);
-    ctx.transport.tempo = 96.5;
-    ctx.transport.numerator = 7;
-    ctx.transport.denominator = 8;
-    ctx.transport.ticks = 2 * 960000 + 480000;
-    ctx.transport.sampleLocation = 123456;
-    ctx.transport.playing = false;
-    Host().Process(&ctx.context);
-    ctx.transport.playing = true;
-    ctx.transport.sampleLocation = 123472;
-    Host().Process(&ctx.context);
+    ctx.mTransport.mTempo = 96.5;
+    ctx.mTransport.mNumerator = 7;
+    ctx.mTransport.mDenominator = 8;
+    ctx.mTransport.mTicks = 2 * 960000 + 480000;
+    ctx.mTransport.mSamplePosition = 123456;
+    ctx.mTransport.mPlaying = false;
+    Host().Process(ctx.Context());
+    ctx.mTransport.mPlaying = true;
+    ctx.mTransport.mSamplePosition = 123472;
+    Host().Process(ctx.Context());
 
     const auto times = record.LinesStartingWith("time ");
     ASSERT_EQ(times.size(), 2u);
@@ -141,10 +141,10 @@ TEST_F(ProbeHost, TimeInformationFollowsTheTransport)
 TEST_F(ProbeHost, EachMidiPacketIsOneEventCallWithTheSpecifiedFields)
 {
     CTestContext ctx(64);
-    ctx.midiIn.incoming = {Packet(5, {0x90, 60, 127}), Packet(7, {0x80, 60, 64}, true), Packet(9, {0x91, 64, 100}),
-                           Packet(11, {0xC0, 5})};
+    ctx.mMidiIn.mPackets = {MidiPacket(5, {0x90, 60, 127}), MidiPacket(7, {0x80, 60, 64}, true),
+                            MidiPacket(9, {0x91, 64, 100}), MidiPacket(11, {0xC0, 5})};
     record.Clear();
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
 
     std::vector<std::string> seen;
     for (const std::string& line : record.Lines())
@@ -171,7 +171,7 @@ TEST_F(ProbeHost, EachMidiPacketIsOneEventCallWithTheSpecifiedFields)
 TEST_F(ProbeHost, AudioBuffersAreTheHostsOwn)
 {
     CTestContext ctx(48);
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
     for (int c = 0; c < CTestContext::kOutputs; ++c)
         EXPECT_FLOAT_EQ(ctx.Output(c)[47], (c + 1) / 64.0f * 0.5f) << "channel " << c;
 }
@@ -179,32 +179,32 @@ TEST_F(ProbeHost, AudioBuffersAreTheHostsOwn)
 TEST_F(ProbeHost, AutomationFromThePluginReachesTheOwnerWithTheDecimalID)
 {
     CTestContext ctx(64);
-    ctx.midiIn.incoming = {Packet(0, {0xB0, 21, 127}), Packet(3, {0xB0, 23, 0})};
-    Host().Process(&ctx.context);
-    ASSERT_EQ(hosted->owner.automated.size(), 2u);
-    EXPECT_EQ(hosted->owner.automated[0].first, "1");
-    EXPECT_DOUBLE_EQ(hosted->owner.automated[0].second, 1.0);
-    EXPECT_EQ(hosted->owner.automated[1].first, "3");
-    EXPECT_DOUBLE_EQ(hosted->owner.automated[1].second, 0.0);
+    ctx.mMidiIn.mPackets = {MidiPacket(0, {0xB0, 21, 127}), MidiPacket(3, {0xB0, 23, 0})};
+    Host().Process(ctx.Context());
+    ASSERT_EQ(hosted->owner.mSetValues.size(), 2u);
+    EXPECT_EQ(hosted->owner.mSetValues[0].first, "1");
+    EXPECT_DOUBLE_EQ(hosted->owner.mSetValues[0].second, 1.0);
+    EXPECT_EQ(hosted->owner.mSetValues[1].first, "3");
+    EXPECT_DOUBLE_EQ(hosted->owner.mSetValues[1].second, 0.0);
     EXPECT_EQ(record.LinesStartingWith("automate 1")[0], "automate 1 1 -> 0");
 }
 
 TEST_F(ProbeHost, MidiFromThePluginReachesTheOutputNode)
 {
     CTestContext ctx(64);
-    ctx.midiIn.incoming = {Packet(4, {0x92, 70, 90}), Packet(6, {0x82, 70, 0}, true)};
-    Host().Process(&ctx.context);
-    ASSERT_EQ(ctx.midiOut.posted.size(), 2u);
-    const AAX_CMidiPacket& first = ctx.midiOut.posted[0];
+    ctx.mMidiIn.mPackets = {MidiPacket(4, {0x92, 70, 90}), MidiPacket(6, {0x82, 70, 0}, true)};
+    Host().Process(ctx.Context());
+    ASSERT_EQ(ctx.mMidiOut.mPosted.size(), 2u);
+    const AAX_CMidiPacket& first = ctx.mMidiOut.mPosted[0];
     EXPECT_EQ(first.mTimestamp, 4u);
     EXPECT_EQ(first.mLength, 3u);
     EXPECT_EQ(std::vector<unsigned char>(first.mData, first.mData + 3), (std::vector<unsigned char>{0x92, 70, 90}));
     EXPECT_EQ(first.mIsImmediate, 0);
-    EXPECT_EQ(ctx.midiOut.posted[1].mTimestamp, 6u);
-    EXPECT_EQ(ctx.midiOut.posted[1].mData[0], 0x82);
-    EXPECT_EQ(ctx.midiOut.posted[1].mIsImmediate, 0);
+    EXPECT_EQ(ctx.mMidiOut.mPosted[1].mTimestamp, 6u);
+    EXPECT_EQ(ctx.mMidiOut.mPosted[1].mData[0], 0x82);
+    EXPECT_EQ(ctx.mMidiOut.mPosted[1].mIsImmediate, 0);
     EXPECT_EQ(record.LinesStartingWith("sent"), std::vector<std::string>{"sent 2 events -> 0"});
-    EXPECT_TRUE(ctx.midiIn.posted.empty());
+    EXPECT_TRUE(ctx.mMidiIn.mPosted.empty());
 }
 
 TEST_F(ProbeHost, HostCallbackTable)
@@ -219,7 +219,7 @@ TEST_F(ProbeHost, HostCallbackTable)
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterGetTime, 0, 0, nullptr, 0), 0);
 
     CTestContext ctx(8, 44100.0f);
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
     const VstIntPtr time = CFakeHostVST2::staticHostCallback(effect, audioMasterGetTime, 0, 0, nullptr, 0);
     ASSERT_NE(time, 0);
     EXPECT_EQ(reinterpret_cast<const VstTimeInfo*>(time)->sampleRate, 44100.0);
@@ -245,23 +245,23 @@ TEST_F(ProbeHost, OutputEventsNeedAContextAndEvents)
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
 
     CTestContext ctx(8);
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, nullptr, 0), 0);
     events.numEvents = 0;
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
-    EXPECT_TRUE(ctx.midiOut.posted.empty());
+    EXPECT_TRUE(ctx.mMidiOut.mPosted.empty());
     // Outside processing, the last context's output node is used.
     events.numEvents = 1;
     event.byteSize = 32;
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
-    ASSERT_EQ(ctx.midiOut.posted.size(), 1u);
-    EXPECT_EQ(ctx.midiOut.posted[0].mLength, 32u);
-    EXPECT_EQ(ctx.midiOut.posted[0].mData[0], 0x90);
+    ASSERT_EQ(ctx.mMidiOut.mPosted.size(), 1u);
+    EXPECT_EQ(ctx.mMidiOut.mPosted[0].mLength, 32u);
+    EXPECT_EQ(ctx.mMidiOut.mPosted[0].mData[0], 0x90);
 }
 
 TEST_F(ProbeHost, EditorOpensSizesOnFirstTickAndCloses)
 {
-    CFakeViewContainer view;
+    CTestViewContainer view;
     float width = -1.0f;
     float height = -1.0f;
     record.Clear();
@@ -273,13 +273,13 @@ TEST_F(ProbeHost, EditorOpensSizesOnFirstTickAndCloses)
                             }));
     EXPECT_EQ(record.LinesStartingWith("canDo"), std::vector<std::string>{"canDo hasCockosViewAsConfig -> -1"});
     EXPECT_EQ(record.LinesStartingWith("editor-parent"), std::vector<std::string>{"editor-parent set"});
-    EXPECT_TRUE(view.sizes.empty());
+    EXPECT_TRUE(view.mSizes.empty());
 
     EXPECT_EQ(Host().TimerWakeup(), 0);
     EXPECT_EQ(Host().TimerWakeup(), 0);
-    ASSERT_EQ(view.sizes.size(), 1u);
-    EXPECT_EQ(view.sizes[0].horz, 300.0f);
-    EXPECT_EQ(view.sizes[0].vert, 150.0f);
+    ASSERT_EQ(view.mSizes.size(), 1u);
+    EXPECT_EQ(view.mSizes[0].horz, 300.0f);
+    EXPECT_EQ(view.mSizes[0].vert, 150.0f);
     EXPECT_EQ(record.LinesStartingWith("dispatch effEditIdle").size(), 2u);
 
     Host().GetViewSize(width, height);
@@ -290,27 +290,27 @@ TEST_F(ProbeHost, EditorOpensSizesOnFirstTickAndCloses)
     Host().QuitGUI();
     EXPECT_EQ(Dispatches(), std::vector<std::string>{"dispatch effEditClose index=0 value=0 opt=0"});
     Host().TimerWakeup();
-    EXPECT_EQ(view.sizes.size(), 1u);
+    EXPECT_EQ(view.mSizes.size(), 1u);
 }
 
 TEST_F(ProbeHost, SizeWindowRequestsResizeTheOpenViewOnly)
 {
     CTestContext ctx(16);
-    ctx.midiIn.incoming = {Packet(0, {0xB0, 24, 10})};
-    Host().Process(&ctx.context);  // no view open: answered, nothing resized
-    CFakeViewContainer view;
+    ctx.mMidiIn.mPackets = {MidiPacket(0, {0xB0, 24, 10})};
+    Host().Process(ctx.Context());  // no view open: answered, nothing resized
+    CTestViewContainer view;
     Host().CreateGUI(&view);
-    ctx.midiIn.incoming = {Packet(0, {0xB0, 24, 20}), Packet(1, {0xB0, 25, 30})};
-    Host().Process(&ctx.context);
+    ctx.mMidiIn.mPackets = {MidiPacket(0, {0xB0, 24, 20}), MidiPacket(1, {0xB0, 25, 30})};
+    Host().Process(ctx.Context());
 
     EXPECT_EQ(record.LinesStartingWith("sizeWindow"), (std::vector<std::string>{
                                                           "sizeWindow 210 110 -> 1",
                                                           "sizeWindow 220 120 -> 1",
                                                           "sizeWindow 0 130 -> 1",
                                                       }));
-    ASSERT_EQ(view.sizes.size(), 1u);
-    EXPECT_EQ(view.sizes[0].horz, 220.0f);
-    EXPECT_EQ(view.sizes[0].vert, 120.0f);
+    ASSERT_EQ(view.mSizes.size(), 1u);
+    EXPECT_EQ(view.mSizes[0].horz, 220.0f);
+    EXPECT_EQ(view.mSizes[0].vert, 120.0f);
 }
 
 TEST_F(ProbeHost, StateCarriesTheBankChunkWithTheMargin)
@@ -378,7 +378,7 @@ TEST_F(ProbeHost, QuitLeavesANeutralHost)
     EXPECT_EQ(Host().GetParameterCount(), -1);
     EXPECT_EQ(Host().GetPluginVendor(), "");
     CTestContext ctx(8);
-    Host().Process(&ctx.context);
+    Host().Process(ctx.Context());
     Host().AddInputChangeForProcessing(0, 0.5);
     unsigned int size = 1234;
     Host().GetState(&size, nullptr);

@@ -16,9 +16,9 @@ float PeakOfMain(CFakeHostVST2& host, const std::vector<AAX_CMidiPacket>& packet
     CTestContext ctx(512, 48000.0f);
     float peak = 0.0f;
     for (int b = 0; b < blocks; ++b) {
-        ctx.midiIn.incoming = b == 0 ? packets : std::vector<AAX_CMidiPacket>{};
+        ctx.mMidiIn.mPackets = b == 0 ? packets : std::vector<AAX_CMidiPacket>{};
         ctx.SetFrames(512);
-        host.Process(&ctx.context);
+        host.Process(ctx.Context());
         for (int c = 0; c < 2; ++c)
             for (float s : ctx.Output(c)) {
                 EXPECT_TRUE(std::isfinite(s));
@@ -45,7 +45,7 @@ TEST(RealVST2Plugins, AmsynthPlaysANote)
     EXPECT_FALSE(name.empty());
 
     EXPECT_EQ(PeakOfMain(host, {}, 4), 0.0f);
-    EXPECT_GT(PeakOfMain(host, {Packet(0, {0x90, 60, 110})}, 20), 0.001f);
+    EXPECT_GT(PeakOfMain(host, {MidiPacket(0, {0x90, 60, 110})}, 20), 0.001f);
 
     unsigned int size = 0;
     host.GetState(&size, nullptr);
@@ -72,8 +72,8 @@ TEST(RealVST2Plugins, DistrhoPluginsLoadThroughMainAndTheirFailuresStayContained
         EXPECT_GT(hosted->host->GetParameterCount(), 0) << file;
         EXPECT_FALSE(hosted->host->GetPluginVendor().empty()) << file;
         CTestContext ctx(256);
-        ctx.midiIn.incoming = {Packet(0, {0x90, 60, 100})};
-        EXPECT_NO_THROW(hosted->host->Process(&ctx.context)) << file;
+        ctx.mMidiIn.mPackets = {MidiPacket(0, {0x90, 60, 100})};
+        EXPECT_NO_THROW(hosted->host->Process(ctx.Context())) << file;
         EXPECT_NO_THROW(hosted.reset()) << file;
     }
 }

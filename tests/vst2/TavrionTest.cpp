@@ -18,9 +18,9 @@ std::vector<std::vector<float>> Render(CFakeHostVST2& host, const std::vector<AA
     CTestContext ctx(frames, 48000.0f);
     std::vector<std::vector<float>> channels(CTestContext::kOutputs);
     for (int b = 0; b < blocks; ++b) {
-        ctx.midiIn.incoming = b == 0 ? packets : std::vector<AAX_CMidiPacket>{};
+        ctx.mMidiIn.mPackets = b == 0 ? packets : std::vector<AAX_CMidiPacket>{};
         ctx.SetFrames(frames);
-        host.Process(&ctx.context);
+        host.Process(ctx.Context());
         for (int c = 0; c < CTestContext::kOutputs; ++c)
             channels[c].insert(channels[c].end(), ctx.Output(c).begin(), ctx.Output(c).end());
     }
@@ -55,18 +55,18 @@ TEST(Tavrion, DescribesItselfThroughTheFakeHost)
         EXPECT_GE(value, 0.0f);
         EXPECT_LE(value, 1.0f);
     }
-    CFakeViewContainer view;
+    CTestViewContainer view;
     host.CreateGUI(&view);
     host.TimerWakeup();
-    ASSERT_EQ(view.sizes.size(), 1u);
-    EXPECT_EQ(view.sizes[0].horz, 400.0f);
-    EXPECT_EQ(view.sizes[0].vert, 240.0f);
+    ASSERT_EQ(view.mSizes.size(), 1u);
+    EXPECT_EQ(view.mSizes[0].horz, 400.0f);
+    EXPECT_EQ(view.mSizes[0].vert, 240.0f);
 }
 
 TEST(Tavrion, RendersDeterministicallyWithStemsPerMidiChannel)
 {
-    const std::vector<AAX_CMidiPacket> notes = {Packet(10, {0x90, 60, 100}), Packet(10, {0x93, 67, 127}),
-                                                Packet(200, {0x80, 60, 0})};
+    const std::vector<AAX_CMidiPacket> notes = {MidiPacket(10, {0x90, 60, 100}), MidiPacket(10, {0x93, 67, 127}),
+                                                MidiPacket(200, {0x80, 60, 0})};
     HostedPlugin first(TavrionPath());
     HostedPlugin second(TavrionPath());
     const auto a = Render(*first.host, notes, 8);
@@ -93,7 +93,7 @@ TEST(Tavrion, RendersDeterministicallyWithStemsPerMidiChannel)
 
 TEST(Tavrion, ParametersShapeTheSound)
 {
-    const std::vector<AAX_CMidiPacket> note = {Packet(0, {0x90, 57, 127})};
+    const std::vector<AAX_CMidiPacket> note = {MidiPacket(0, {0x90, 57, 127})};
     HostedPlugin loud(TavrionPath());
     HostedPlugin quiet(TavrionPath());
     quiet.host->AddInputChangeForProcessing(0, 0.1);  // Volume
@@ -120,7 +120,7 @@ TEST(Tavrion, BankChunkRoundTripsThroughAFreshInstance)
     restored.host->GetParameterInfo(5, name, value);
     EXPECT_FLOAT_EQ(value, 1.0f);
 
-    const std::vector<AAX_CMidiPacket> note = {Packet(0, {0x90, 48, 90})};
+    const std::vector<AAX_CMidiPacket> note = {MidiPacket(0, {0x90, 48, 90})};
     EXPECT_EQ(Render(*source.host, note, 4), Render(*restored.host, note, 4));
 }
 
@@ -167,8 +167,8 @@ TEST(Tavrion, EventsOutOfOrderWithinABlockPlayAtTheirOffsets)
     HostedPlugin ordered(TavrionPath());
     HostedPlugin shuffled(TavrionPath());
     const auto a = Render(*ordered.host,
-                          {Packet(10, {0x90, 60, 100}), Packet(100, {0x90, 64, 100}), Packet(150, {0x80, 60, 0})}, 3);
+                          {MidiPacket(10, {0x90, 60, 100}), MidiPacket(100, {0x90, 64, 100}), MidiPacket(150, {0x80, 60, 0})}, 3);
     const auto b = Render(*shuffled.host,
-                          {Packet(150, {0x80, 60, 0}), Packet(100, {0x90, 64, 100}), Packet(10, {0x90, 60, 100})}, 3);
+                          {MidiPacket(150, {0x80, 60, 0}), MidiPacket(100, {0x90, 64, 100}), MidiPacket(10, {0x90, 60, 100})}, 3);
     EXPECT_EQ(a[0], b[0]);
 }

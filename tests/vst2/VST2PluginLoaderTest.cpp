@@ -1,11 +1,7 @@
 // Entry-function lookup of the loader, with Debian's VST 2 plug-ins and the
 // probe's variants.
-#include <unistd.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <fstream>
 
 #include "Vst2TestSupport.h"
 #include "vst2/CVST2PluginLoader.h"
@@ -83,8 +79,8 @@ TEST(VST2PluginLoader, MachOnlyEntryIsFoundAfterTwoFailedLookups)
 
 TEST(VST2PluginLoader, FilesWithoutAnEntryGiveAnEmptyCallable)
 {
-    const std::string notALibrary = std::string("/tmp/vst2test-not-a-library-") + std::to_string(::getpid()) + ".so";
-    std::ofstream(notALibrary) << "this is text, not code\n";
+    const CTempDir dir;
+    const std::string notALibrary = dir.WriteFile("not-a-library.so", "this is text, not code\n");
     for (const std::string& path : {BuiltPlugin("vst2probe_noentry.so"), BuiltPlugin("does-not-exist.so"), notALibrary,
                                     std::string(VST2_TEST_VST_DIR)}) {
         CVST2PluginLoader loader;
@@ -92,7 +88,6 @@ TEST(VST2PluginLoader, FilesWithoutAnEntryGiveAnEmptyCallable)
     }
     CVST2PluginLoader loader;
     EXPECT_FALSE(loader.loadLibrary(nullptr));
-    std::remove(notALibrary.c_str());
 }
 
 TEST(VST2PluginLoader, ReloadingReplacesTheLibrary)

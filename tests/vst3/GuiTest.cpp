@@ -23,8 +23,8 @@ void AskResize(CVST3Loader& loader, int64 width, int64 height)
 
 TEST(Vst3Gui, OpenResizeAndClose)
 {
-    CTrace trace("gui");
-    CLogLines log;
+    CTrace trace;
+    CLogCapture log;
     CHostedPlugin plugin("MrvTestSynth");
     CFakeHostVST3& host = *plugin.mHost;
 
@@ -35,8 +35,8 @@ TEST(Vst3Gui, OpenResizeAndClose)
 
     CTestViewContainer container;
     host.CreateGUI(&container);
-    EXPECT_EQ(trace.With("view.attached parent=0x1234 type=NSView").size(), 1u);
-    EXPECT_EQ(trace.With("view.setFrame set").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("view.attached parent=0x1234 type=NSView").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("view.setFrame set").size(), 1u);
     host.GetViewSize(width, height);
     EXPECT_EQ(width, 400);
     EXPECT_EQ(height, 300);
@@ -45,15 +45,15 @@ TEST(Vst3Gui, OpenResizeAndClose)
     ASSERT_EQ(container.mSizes.size(), 1u);
     EXPECT_EQ(container.mSizes[0].horz, 640);
     EXPECT_EQ(container.mSizes[0].vert, 480);
-    EXPECT_EQ(trace.With("view.onSize").size(), 0u);
+    EXPECT_EQ(trace.LinesStartingWith("view.onSize").size(), 0u);
     EXPECT_TRUE(log.Contains("Plugin ask to resize width=640 height=480"));
 
     // A second CreateGUI re-attaches the same view with a new frame.
     CTestViewContainer second;
     second.mType = AAX_eViewContainer_Type_UIView;
     host.CreateGUI(&second);
-    EXPECT_EQ(trace.With("ctrl.createView").size(), 1u);
-    EXPECT_EQ(trace.With("view.attached parent=0x1234 type=HIView").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("ctrl.createView").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("view.attached parent=0x1234 type=HIView").size(), 1u);
     AskResize(plugin.Loader(), 300, 200);
     EXPECT_EQ(container.mSizes.size(), 1u);
     ASSERT_EQ(second.mSizes.size(), 1u);
@@ -72,7 +72,7 @@ TEST(Vst3Gui, OpenResizeAndClose)
 
 TEST(Vst3Gui, ContainerWithoutParentOrPluginWithoutView)
 {
-    CLogLines log;
+    CLogCapture log;
     {
         CHostedPlugin plugin("MrvTestSynth");
         CTestViewContainer container;

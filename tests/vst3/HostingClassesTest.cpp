@@ -127,7 +127,7 @@ TEST(Vst3Hosting, ChangesWhileProcessing)
     CHostedPlugin plugin("MrvTestSynth");
     std::atomic<bool> stop{false};
     std::thread audio([&] {
-        CTestBuffers buffers(64);
+        CTestContext buffers(64);
         buffers.mContext.mMidiIn = nullptr;
         while (!stop)
             plugin.mHost->Process(buffers.Context());

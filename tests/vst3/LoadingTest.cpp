@@ -45,7 +45,7 @@ void ExpectNeutral(CFakeHostVST3& host, bool hasFactory)
     host.Setup();
     host.AddInputChangeForGUI(0, 0.5);
     host.AddInputChangeForProcessing(0, 0.5);
-    CTestBuffers buffers(64);
+    CTestContext buffers(64);
     host.Process(buffers.Context());
     float w = -1, h = -1;
     host.GetViewSize(w, h);
@@ -59,8 +59,8 @@ void ExpectNeutral(CFakeHostVST3& host, bool hasFactory)
 
 TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
 {
-    CTrace trace("load_synth");
-    CLogLines log;
+    CTrace trace;
+    CLogCapture log;
     CHostedPlugin plugin("MrvTestSynth");
     ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
     CFakeHostVST3& host = *plugin.mHost;
@@ -78,9 +78,9 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
                           "proc.activateBus type=0 dir=1 index=0 state=1",
                           "proc.setupProcessing mode=0 size=0 max=256 rate=44100.0"});
     // The default-active auxiliary output is switched off, the main one on.
-    EXPECT_EQ(trace.With("proc.activateBus type=0 dir=1 index=1 state=0").size(), 1u);
-    EXPECT_EQ(trace.With("proc.initialize").size(), 1u);
-    EXPECT_EQ(trace.With("proc.setActive 1").size(), 0u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.activateBus type=0 dir=1 index=1 state=0").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.initialize").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.setActive 1").size(), 0u);
     EXPECT_TRUE(log.Contains("Setup hard-coded to 44100"));
 
     CVST3Loader& loader = plugin.Loader();
@@ -124,10 +124,10 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
 
 TEST(Vst3Loading, TearDownReleasesInOrder)
 {
-    CTrace trace("teardown_synth");
+    CTrace trace;
     {
         CHostedPlugin plugin("MrvTestSynth");
-        CTestBuffers buffers(32);
+        CTestContext buffers(32);
         plugin.mHost->Process(buffers.Context());
         trace.Clear();
         plugin.mHost->Quit();
@@ -141,27 +141,27 @@ TEST(Vst3Loading, TearDownReleasesInOrder)
 
 TEST(Vst3Loading, CombinedObjectIsInitialisedOnceAndNotSelfConnected)
 {
-    CTrace trace("single");
+    CTrace trace;
     CHostedPlugin plugin("MrvTestSingle");
     ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
-    EXPECT_EQ(trace.With("single.initialize").size(), 1u);
-    EXPECT_EQ(trace.With("single.connect").size(), 0u);
+    EXPECT_EQ(trace.LinesStartingWith("single.initialize").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("single.connect").size(), 0u);
     EXPECT_FALSE(plugin.Loader().areConnected());
-    EXPECT_EQ(trace.With("single.setComponentHandler set").size(), 1u);
-    EXPECT_EQ(trace.With("single.setComponentState gain=1.000000").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("single.setComponentHandler set").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("single.setComponentState gain=1.000000").size(), 1u);
     EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
     plugin.mHost->Quit();
-    EXPECT_EQ(trace.With("single.terminate").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("single.terminate").size(), 1u);
 }
 
 TEST(Vst3Loading, FactoryWithoutAudioClassUsesTheLastClass)
 {
-    CTrace trace("noaudioclass");
+    CTrace trace;
     CHostedPlugin plugin("MrvTestNoAudioClass");
     EXPECT_STREQ(plugin.mHost->GetClassInfo().name, "MrvTestNoAudioClass");
     ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
     EXPECT_NE(plugin.Loader().getProcessor(), nullptr);
-    EXPECT_EQ(trace.With("effect.initialize").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("effect.initialize").size(), 1u);
     EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
     // No class of that category: no extended information either.
     EXPECT_EQ(plugin.mHost->GetPluginVersion(), "");
@@ -179,9 +179,10 @@ TEST(Vst3Loading, EffectWithoutEventBusHasNoInputEventList)
 
 TEST(Vst3LoadingFailure, MissingOrBrokenModulesGiveNeutralAnswers)
 {
-    CLogLines log;
+    CLogCapture log;
     namespace fs = std::filesystem;
-    const fs::path empty = fs::path(::testing::TempDir()) / ("vst3_empty_" + std::to_string(getpid()) + ".vst3");
+    const CTempDir dir;
+    const fs::path empty = fs::path(dir.Path()) / "Empty.vst3";
     fs::create_directories(empty / "Contents" / "x86_64-linux");
 
     struct Case { std::string path; const char* logText; };
@@ -202,13 +203,12 @@ TEST(Vst3LoadingFailure, MissingOrBrokenModulesGiveNeutralAnswers)
         host.Quit();
     }
     EXPECT_TRUE(log.Contains("mVst3Loader!=0"));
-    fs::remove_all(empty);
 }
 
 TEST(Vst3LoadingFailure, FactoryRefusingCreation)
 {
-    CTrace trace("fault_create");
-    CLogLines log;
+    CTrace trace;
+    CLogCapture log;
     setenv("MRV_VST3_FAULT", "create", 1);
     {
         CHostedPlugin plugin("MrvTestEffect");
@@ -218,14 +218,14 @@ TEST(Vst3LoadingFailure, FactoryRefusingCreation)
         ExpectNeutral(*plugin.mHost, true);
     }
     unsetenv("MRV_VST3_FAULT");
-    EXPECT_EQ(trace.With("factory.createInstance refused").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("factory.createInstance refused").size(), 1u);
     EXPECT_TRUE(log.Contains("processor creation failed"));
 }
 
 TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
 {
-    CTrace trace("fault_ctrl");
-    CLogLines log;
+    CTrace trace;
+    CLogCapture log;
     setenv("MRV_VST3_FAULT", "controllerinit", 1);
     {
         CHostedPlugin plugin("MrvTestEffect");
@@ -233,8 +233,8 @@ TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
         EXPECT_FALSE(plugin.Loader().areConnected());
         // Nothing after the failed initialize was set up: no buses, no sizes.
         EXPECT_EQ(plugin.Loader().getMainBusMask(kOutput), 0u);
-        CTestBuffers buffers(64);
-        buffers.mMidi.Add(0, 0x90, 60, 100);
+        CTestContext buffers(64);
+        buffers.mMidiIn.Add(0, 0x90, 60, 100);
         plugin.mHost->Process(buffers.Context());
         plugin.mHost->AddInputChangeForProcessing(0, 0.25);
         plugin.mHost->Process(buffers.Context());
@@ -242,17 +242,17 @@ TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
         plugin.mHost->GetState(&size, nullptr);
     }
     unsetenv("MRV_VST3_FAULT");
-    EXPECT_EQ(trace.With("effectctrl.initialize refused").size(), 1u);
-    EXPECT_EQ(trace.With("effectctrl.terminate").size(), 1u);
-    EXPECT_EQ(trace.With("effect.terminate").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("effectctrl.initialize refused").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("effectctrl.terminate").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("effect.terminate").size(), 1u);
     EXPECT_TRUE(log.Contains("component initialization failed"));
 }
 
 TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
 {
     namespace fs = std::filesystem;
-    const fs::path dir = fs::path(::testing::TempDir()) / ("vst3_validator_" + std::to_string(getpid()));
-    fs::create_directories(dir);
+    const CTempDir temp;
+    const fs::path dir = temp.Path();
     const fs::path script = dir / "fake_validator.sh";
     const fs::path report = dir / "report.txt";
     {
@@ -262,7 +262,7 @@ TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
     fs::permissions(script, fs::perms::owner_all);
     setenv("VST3_VALIDATOR", script.c_str(), 1);
     {
-        CLogLines log;  // "bundle" at debug
+        CLogCapture log;  // "bundle" at debug
         CHostedPlugin plugin("MrvTestEffect");
         EXPECT_TRUE(log.Contains("VST3 validator exit status 0"));
     }
@@ -271,5 +271,4 @@ TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
     std::string line;
     std::getline(in, line);
     EXPECT_EQ(line, script.string() + "|" + BundlePath("MrvTestEffect") + "|1");
-    fs::remove_all(dir);
 }

@@ -15,16 +15,16 @@ TEST(Vst3Render, WrappedAndDirectFirstBufferAreIdentical)
     std::vector<float> wrapped;
     {
         CHostedPlugin plugin("MrvTestSynth");
-        CTestBuffers buffers(kSamples);
+        CTestContext buffers(kSamples);
         for (const SDirectNote& n : notes)
-            buffers.mMidi.Add(static_cast<uint32_t>(n.sample), n.on ? 0x90 : 0x80, static_cast<uint8_t>(n.pitch),
-                              static_cast<uint8_t>(n.velocity));
+            buffers.mMidiIn.Add(static_cast<uint32_t>(n.sample), n.on ? 0x90 : 0x80, static_cast<uint8_t>(n.pitch),
+                                static_cast<uint8_t>(n.velocity));
         plugin.mHost->Process(buffers.Context());
-        wrapped = buffers.mOut[0];
-        wrapped.insert(wrapped.end(), buffers.mOut[1].begin(), buffers.mOut[1].end());
+        wrapped = buffers.Output(0);
+        wrapped.insert(wrapped.end(), buffers.Output(1).begin(), buffers.Output(1).end());
         // Stems are left alone.
         for (int c = 2; c < 34; ++c)
-            for (float s : buffers.mOut[c])
+            for (float s : buffers.Output(c))
                 ASSERT_EQ(s, 0.0f);
     }
     // Without an AAX controller the wrapper sets the plug-in up at 44100 Hz.

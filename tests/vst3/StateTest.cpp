@@ -32,7 +32,7 @@ TEST(Vst3State, BlockLayoutAndReportedSize)
 {
     CHostedPlugin plugin("MrvTestSynth");
     plugin.mHost->AddInputChangeForProcessing(0, 0.5);
-    CTestBuffers buffers(32);
+    CTestContext buffers(32);
     plugin.mHost->Process(buffers.Context());
 
     const auto block = SaveState(*plugin.mHost);
@@ -60,11 +60,11 @@ TEST(Vst3State, RoundTripIntoFreshInstanceInOrder)
         source.mHost->AddInputChangeForProcessing(0, 0.125);
         source.mHost->AddInputChangeForProcessing(3, 5.0 / 7.0);
         source.mHost->AddInputChangeForGUI(4, 0.5);  // the controller's own state follows it
-        CTestBuffers buffers(32);
+        CTestContext buffers(32);
         source.mHost->Process(buffers.Context());
         block = SaveState(*source.mHost);
     }
-    CTrace trace("state_roundtrip");
+    CTrace trace;
     CHostedPlugin target("MrvTestSynth");
     trace.Clear();
     target.mHost->SetState(static_cast<unsigned int>(block.size()), block.data());
@@ -89,28 +89,28 @@ TEST(Vst3State, CombinedObjectWritesBothHalves)
 // Registered in CTest as vst3.state_cut_every_length.
 TEST(Vst3StateBadInput, CutEveryLength)
 {
-    CLogLines log;
+    CLogCapture log;
     CHostedPlugin source("MrvTestSynth");
     auto block = SaveState(*source.mHost);
     const size_t used = 8 + ReadU32(block, 0) + ReadU32(block, 4 + ReadU32(block, 0));
-    CTrace trace("state_cut");
+    CTrace trace;
     for (size_t cut = 0; cut < used; ++cut) {
         // A fresh copy of exactly `cut` bytes, so a read past it is caught
         // by the sanitizers.
         std::vector<unsigned char> piece(block.begin(), block.begin() + static_cast<long>(cut));
         source.mHost->SetState(static_cast<unsigned int>(cut), piece.empty() ? nullptr : piece.data());
     }
-    EXPECT_EQ(trace.With("proc.setState").size(), 0u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.setState").size(), 0u);
     EXPECT_EQ(log.Count("SetState refused"), used);
     // The whole block still works afterwards.
     source.mHost->SetState(static_cast<unsigned int>(used), block.data());
-    EXPECT_EQ(trace.With("proc.setState volume=").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.setState volume=").size(), 1u);
 }
 
 TEST(Vst3StateBadInput, LengthFieldsPastTheEnd)
 {
-    CLogLines log;
-    CTrace trace("state_lies");
+    CLogCapture log;
+    CTrace trace;
     CHostedPlugin plugin("MrvTestSynth");
     auto block = SaveState(*plugin.mHost);
     const uint32_t componentSize = ReadU32(block, 0);
@@ -123,12 +123,12 @@ TEST(Vst3StateBadInput, LengthFieldsPastTheEnd)
         std::memcpy(bad.data() + 4 + componentSize, &lie, 4);
         plugin.mHost->SetState(static_cast<unsigned int>(bad.size()), bad.data());
     }
-    EXPECT_EQ(trace.With("proc.setState").size(), 0u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.setState").size(), 0u);
     EXPECT_GE(log.Count("SetState refused"), 6u);
     // A truthful but short inner state reaches the plug-in, which refuses it.
     std::vector<unsigned char> small = {2, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
     small[0] = 2;
     small[1] = 0;
     plugin.mHost->SetState(static_cast<unsigned int>(small.size()), small.data());
-    EXPECT_EQ(trace.With("proc.setState refused").size(), 1u);
+    EXPECT_EQ(trace.LinesStartingWith("proc.setState refused").size(), 1u);
 }
