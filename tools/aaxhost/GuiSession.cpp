@@ -56,6 +56,7 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
         error = "GUI Initialize failed with " + ResultText(r);
         return false;
     }
+    const size_t automationBefore = instance.Controller()->Automation().size();
     auto* container = new CHostViewContainer;
     r = gui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(container));
     if (r != AAX_SUCCESS) {
@@ -84,6 +85,11 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
     gui->SetViewContainer(nullptr);
     gui->Uninitialize();
     report.requested = container->Requests();
+    const auto& automation = instance.Controller()->Automation();
+    report.automation.assign(automation.begin() + static_cast<std::ptrdiff_t>(automationBefore), automation.end());
+    for (const auto& a : report.automation)
+        if (config.print && a.kind != "register" && a.kind != "unregister")
+            std::printf("automation %s %s %g\n", a.kind.c_str(), a.parameterID.c_str(), a.value);
     gui->Release();
     container->Release();
     instance.Destroy();
@@ -99,10 +105,15 @@ nlohmann::json GuiReportToJson(const SGuiReport& report)
         ticks.push_back(point(p));
     for (const auto& p : report.requested)
         requested.push_back(point(p));
+    json automation = json::array();
+    for (const auto& a : report.automation)
+        automation.push_back({{"kind", a.kind}, {"parameter", a.parameterID}, {"value", a.value},
+                              {"origin", a.fromHost ? "host" : "plugin"}});
     return {{"format", "aaxhost-gui-1"},
             {"initial_size", point(report.initialSize)},
             {"sizes_after_ticks", ticks},
-            {"requested_sizes", requested}};
+            {"requested_sizes", requested},
+            {"automation", automation}};
 }
 
 }  // namespace AAXHost

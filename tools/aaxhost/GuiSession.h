@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AAX.h"
+#include "HostController.h"
 
 namespace AAXHost {
 
@@ -24,6 +25,7 @@ struct SGuiReport {
     AAX_Point initialSize;
     std::vector<AAX_Point> sizesAfterTicks;  // GetViewSize after each timer tick
     std::vector<AAX_Point> requested;         // SetViewSize calls from the plug-in
+    std::vector<SAutomationEvent> automation;  // requests made from opening to closing the view
 };
 
 bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& report, std::string& error);

@@ -36,6 +36,8 @@ struct SRenderConfig {
     std::string loadState;
     std::string stemsDir;
     int32_t instances = 1;
+    bool stopped = false;     // the transport reports stopped, at the song start
+    double editorAt = -1.0;   // < 0: no view; else instance 0's view opens at this time
     bool json = false;
     bool progress = true;  // shown only when standard output is a terminal
 };

@@ -11,6 +11,7 @@
 
 #include "AAX_IDescription.h"
 #include "CrashReport.h"
+#include "EditorSession.h"
 #include "HostInstance.h"
 #include "HostString.h"
 #include "MidiSchedule.h"
@@ -154,6 +155,10 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
         error = "--seconds and --tail must be from 0 to 86400";
         return false;
     }
+    if (!(config.editorAt < 0.0) && !(config.editorAt <= 86400.0)) {
+        error = "--editor-at must be from 0 to 86400";
+        return false;
+    }
     if (config.instances < 1 || config.instances > 256) {
         error = "instances must be from 1 to 256";
         return false;
@@ -179,7 +184,7 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
     transport.tempo = config.tempo > 0.0 ? config.tempo : fileTempo;
     transport.meterNumerator = config.meterNumerator;
     transport.meterDenominator = config.meterDenominator;
-    transport.playing = true;
+    transport.playing = !config.stopped;
 
     const int64_t total = config.seconds > 0.0
                               ? static_cast<int64_t>(std::llround(config.seconds * config.sampleRate))
@@ -251,6 +256,10 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
     std::vector<const float*> channelPtrs;
     CProgressBar progress(config.progress && !config.json && isatty(STDOUT_FILENO));
 
+    CEditorSession editor;
+    const int64_t editorSample =
+        config.editorAt < 0.0 ? -1 : static_cast<int64_t>(std::llround(config.editorAt * config.sampleRate));
+
     SetPhase("rendering");
     const auto started = std::chrono::steady_clock::now();
     for (const SBlock& block : PlanBlocks(total, config.blockSize)) {
@@ -266,6 +275,12 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
                     return false;
                 }
             }
+        }
+        if (editorSample >= 0 && !editor.IsOpen() && editorSample < block.start + block.frames) {
+            SetPhase("opening the view");
+            if (!editor.Open(*instances.front(), error))
+                return false;
+            SetPhase("rendering");
         }
         schedule.PacketsForBlock(block.start, block.frames, packets);
         for (auto& inst : instances) {
@@ -293,9 +308,18 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
                 }
             }
         }
+        if (editor.IsOpen()) {
+            SetPhase("the view's timer");
+            editor.Idle();
+            SetPhase("rendering");
+        }
         progress.Show(block.start + block.frames, total);
     }
     progress.Finish();
+    if (editor.IsOpen()) {
+        SetPhase("closing the view");
+        editor.Close();
+    }
     report.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     for (auto& files : outputs)
         for (auto& f : files)

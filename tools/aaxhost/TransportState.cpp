@@ -8,7 +8,7 @@ int64_t STransportState::TickPosition() const
 {
     if (sampleRate <= 0.0)
         return 0;
-    const double quarters = static_cast<double>(samplePosition) / sampleRate * tempo / 60.0;
+    const double quarters = static_cast<double>(SongPosition()) / sampleRate * tempo / 60.0;
     return static_cast<int64_t>(std::llround(quarters * static_cast<double>(kAAX_TicksPerQuarter)));
 }
 
@@ -59,7 +59,7 @@ AAX_Result CHostTransport::GetCurrentNativeSampleLocation(int64_t* location) con
 {
     if (!location)
         return AAX_ERROR_NULL_ARGUMENT;
-    *location = mState.samplePosition;
+    *location = mState.SongPosition();
     return AAX_SUCCESS;
 }
 

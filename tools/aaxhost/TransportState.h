@@ -15,7 +15,11 @@ struct STransportState {
     bool playing = true;
     double sampleRate = 48000.0;
     int64_t samplePosition = 0;  // start of the current buffer
+    int64_t stoppedPosition = 0;  // where the song stays while the transport is stopped
 
+    // What the transport reports: the buffer start while playing; a stopped
+    // host keeps its cursor still however many buffers it processes.
+    int64_t SongPosition() const { return playing ? samplePosition : stoppedPosition; }
     int64_t TickPosition() const;
 };
 

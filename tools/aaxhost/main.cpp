@@ -146,6 +146,9 @@ int main(int argc, char** argv)
     render->add_option("--stems", rc.stemsDir, "Folder for one WAV file per output stem");
     render->add_option("--instances", rc.instances, "Instances processed in one batch")->capture_default_str();
     render->add_option("--effect", rc.effectID, "Effect ID to run (default: the first)");
+    render->add_flag("--stopped", rc.stopped, "The transport reports stopped, at the song start");
+    render->add_option("--editor-at", rc.editorAt, "Open the view of instance 0 at this time (seconds) until the end")
+        ->check(CLI::Range(0.0, 86400.0));
     render->add_flag("--json", rc.json, "Print the summary as JSON");
     bool noProgress = false;
     render->add_flag("--no-progress", noProgress, "Never show the progress bar");

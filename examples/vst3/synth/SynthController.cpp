@@ -1,6 +1,8 @@
 #include "SynthController.h"
 
 #include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "../common/CTrace.h"
@@ -72,11 +74,7 @@ tresult PLUGIN_API SynthController::notify(IMessage* message)
         double value = 0;
         attributes->getInt("id", tag);
         attributes->getFloat("value", value);
-        Trace("ctrl.edit id=%lld value=%.6f", static_cast<long long>(tag), value);
-        beginEdit(static_cast<ParamID>(tag));
-        EditControllerEx1::setParamNormalized(static_cast<ParamID>(tag), value);
-        performEdit(static_cast<ParamID>(tag), value);
-        endEdit(static_cast<ParamID>(tag));
+        testEdit(static_cast<ParamID>(tag), value);
         return kResultOk;
     }
     if (std::strcmp(id, "TestRestart") == 0 && attributes && componentHandler) {
@@ -151,12 +149,28 @@ tresult PLUGIN_API SynthController::setComponentHandler(IComponentHandler* handl
     return EditControllerEx1::setComponentHandler(handler);
 }
 
+void SynthController::testEdit(ParamID tag, double value)
+{
+    Trace("ctrl.edit id=%u value=%.6f", tag, value);
+    beginEdit(tag);
+    EditControllerEx1::setParamNormalized(tag, value);
+    performEdit(tag, value);
+    endEdit(tag);
+}
+
 IPlugView* PLUGIN_API SynthController::createView(FIDString name)
 {
     if (!name || std::strcmp(name, ViewType::kEditor) != 0)
         return nullptr;
     Trace("ctrl.createView");
     mView = new SynthView(this);
+    // A command-line host has no mouse: the variable stands in for the user
+    // moving a control as soon as the editor is up.
+    unsigned int tag = 0;
+    double value = 0.0;
+    const char* edit = std::getenv("MRV_VST3_EDIT_ON_VIEW");
+    if (edit && std::sscanf(edit, "%u=%lf", &tag, &value) == 2 && tag < kSynthParamCount && value >= 0.0 && value <= 1.0)
+        testEdit(tag, value);
     return mView;
 }
 

@@ -1,6 +1,8 @@
 // The test instrument's edit controller: parameters, a program list in a
 // unit, MIDI controller mapping, a small editor, and test hooks reached
-// through connection-point messages ("TestEdit", "TestRestart", "TestResize").
+// through connection-point messages ("TestEdit", "TestRestart", "TestResize")
+// and, for hosts driven from the command line, an edit made when the editor
+// view is created (MRV_VST3_EDIT_ON_VIEW="<id>=<value>").
 #pragma once
 
 #include "SynthIDs.h"
@@ -43,6 +45,9 @@ public:
     void viewGone(SynthView* view);
 
 private:
+    // A user's gesture as the editor makes it: begin, perform, end.
+    void testEdit(Steinberg::Vst::ParamID tag, double value);
+
     Steinberg::Vst::CtrlNumber mVolumeController = 7;
     double mZoom = 1.0;
     SynthView* mView = nullptr;

@@ -1,0 +1,144 @@
+// The VST 3 state block inside the wrapper's chunk, as aaxhost saves it to
+// disk, and its restore into a fresh instance.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "E2ESupport.h"
+
+using namespace vst3e2e;
+
+namespace {
+
+// The instrument's own formats: component = int32 version + six doubles,
+// controller = one double (the editor zoom).
+constexpr uint32_t kComponentSize = 4 + 6 * 8;
+constexpr uint32_t kControllerSize = 8;
+
+double DoubleAt(const std::vector<uint8_t>& bytes, size_t at)
+{
+    double v = 0;
+    EXPECT_LE(at + sizeof v, bytes.size());
+    if (at + sizeof v <= bytes.size())
+        std::memcpy(&v, bytes.data() + at, sizeof v);
+    return v;
+}
+
+const SStateChunk* WrapperChunk(const std::vector<SStateChunk>& chunks)
+{
+    for (const auto& c : chunks)
+        if (c.id == kWrapperChunkID)
+            return &c;
+    return nullptr;
+}
+
+std::vector<std::string> RenderArgs(const std::string& dir, const std::string& out)
+{
+    return {"render", SynthBundle(), "--out", dir + "/" + out, "--rate", "48000", "--block", "256",
+            "--seconds", "0.1", "--no-progress"};
+}
+
+struct Vst3E2EState : ::testing::Test {
+    void SetUp() override
+    {
+        dir = TempDir("state");
+        saved = dir + "/saved.state";
+        auto args = RenderArgs(dir, "saved.wav");
+        args.insert(args.end(), {"--set", "0=0.25", "--set", "3=0.5714285714285714", "--save-state", saved});
+        const SRun run = RunHost(args);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+    }
+    std::string dir, saved;
+};
+
+}  // namespace
+
+TEST_F(Vst3E2EState, BlockHoldsBothStatesWithTheirSizesAndReportsSixtyMore)
+{
+    const auto chunks = ReadStateFile(saved);
+    const SStateChunk* chunk = WrapperChunk(chunks);
+    ASSERT_NE(chunk, nullptr);
+    EXPECT_EQ(&chunks.back(), chunk) << "the wrapper chunk comes last";
+    const auto& d = chunk->data;
+    ASSERT_EQ(ReadU32(d, 0), kComponentSize);
+    ASSERT_EQ(ReadU32(d, 4 + kComponentSize), kControllerSize);
+    // The chunk is as long as the size reported for it.
+    EXPECT_EQ(d.size(), kComponentSize + kControllerSize + 60);
+    EXPECT_EQ(ReadU32(d, 4), 1u);  // the component's format version
+    EXPECT_DOUBLE_EQ(DoubleAt(d, 8 + 0 * 8), 0.25);
+    EXPECT_NEAR(DoubleAt(d, 8 + 3 * 8), 4.0 / 7.0, 1e-6);  // through a float AAX parameter
+    EXPECT_DOUBLE_EQ(DoubleAt(d, 8 + kComponentSize), 1.0);  // default zoom
+}
+
+TEST_F(Vst3E2EState, FreshInstanceRestoresComponentThenControllerViewThenControllerState)
+{
+    const std::string resaved = dir + "/resaved.state";
+    auto args = RenderArgs(dir, "loaded.wav");
+    args.insert(args.end(), {"--load-state", saved, "--save-state", resaved});
+    const SRun run = RunHost(args);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto& t = run.trace;
+    const size_t component = FindLine(t, "proc.setState ");
+    ASSERT_NE(component, std::string::npos);
+    EXPECT_EQ(t[component], "proc.setState volume=0.250000 program=0.571429");
+    // The set-up's own setComponentState comes before; the restore's follows the component.
+    const size_t view = FindLine(t, "ctrl.setComponentState", component);
+    const size_t controller = FindLine(t, "ctrl.setState", component);
+    ASSERT_NE(view, std::string::npos);
+    ASSERT_NE(controller, std::string::npos);
+    EXPECT_EQ(t[view], "ctrl.setComponentState volume=0.250000 program=0.571429");
+    EXPECT_EQ(t[controller], "ctrl.setState zoom=1.000");
+    EXPECT_LT(view, controller);
+    EXPECT_LT(controller, FindLine(t, "proc.process")) << "restored before the first buffer";
+    EXPECT_EQ(CountLines(t, "proc.setState"), 1u);
+    EXPECT_EQ(CountLines(t, "ctrl.setState"), 1u);
+
+    // Saved again, the instrument gives back exactly what it was given.
+    const auto first = ReadStateFile(saved);
+    const auto after = ReadStateFile(resaved);
+    const SStateChunk* before = WrapperChunk(first);
+    const SStateChunk* again = WrapperChunk(after);
+    ASSERT_NE(before, nullptr);
+    ASSERT_NE(again, nullptr);
+    const size_t written = 8 + kComponentSize + kControllerSize;
+    ASSERT_GE(again->data.size(), written);
+    EXPECT_TRUE(std::equal(before->data.begin(), before->data.begin() + written, again->data.begin()));
+}
+
+TEST_F(Vst3E2EState, LengthsPastTheChunkAreRefusedWithoutTouchingThePlugin)
+{
+    auto chunks = ReadStateFile(saved);
+    SStateChunk* chunk = nullptr;
+    for (auto& c : chunks)
+        if (c.id == kWrapperChunkID)
+            chunk = &c;
+    ASSERT_NE(chunk, nullptr);
+    const auto original = chunk->data;
+    struct SCase {
+        const char* what;
+        size_t at;
+        uint32_t value;
+        size_t keep;  // bytes of the chunk kept
+    };
+    const SCase cases[] = {
+        {"component size past the end", 0, 0xFFFFFF00u, original.size()},
+        {"controller size past the end", 4 + kComponentSize, 1000, original.size()},
+        {"cut inside the component", 0, kComponentSize, 20},
+        {"cut inside the header", 0, kComponentSize, 3},
+    };
+    for (const SCase& c : cases) {
+        chunk->data = original;
+        for (int i = 0; i < 4; ++i)
+            chunk->data[c.at + static_cast<size_t>(i)] = static_cast<uint8_t>(c.value >> (8 * i));
+        chunk->data.resize(c.keep);
+        const std::string bad = dir + "/bad.state";
+        WriteStateFile(bad, chunks);
+        auto args = RenderArgs(dir, "bad.wav");
+        args.insert(args.end(), {"--load-state", bad});
+        const SRun run = RunHost(args);
+        EXPECT_EQ(run.exitCode, 0) << c.what << ": " << run.err;
+        EXPECT_EQ(CountLines(run.trace, "proc.setState"), 0u) << c.what;
+        EXPECT_EQ(CountLines(run.trace, "ctrl.setState"), 0u) << c.what;
+        EXPECT_GT(CountLines(run.trace, "proc.process"), 0u) << c.what;
+    }
+}
