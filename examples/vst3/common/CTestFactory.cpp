@@ -110,7 +110,9 @@ uint32 PLUGIN_API CTestFactory::addRef() { return static_cast<uint32>(FUnknownPr
 uint32 PLUGIN_API CTestFactory::release()
 {
     const int32 count = FUnknownPrivate::atomicAdd(mRefCount, -1);
-    // The module keeps its factory for as long as it is loaded.
+    // The module holds one reference of its own until ModuleExit.
+    if (count == 0)
+        delete this;
     return static_cast<uint32>(count);
 }
 
