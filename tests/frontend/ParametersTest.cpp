@@ -187,6 +187,23 @@ TEST_F(ParametersTest, WrapperChunkCarriesThePluginStateBothWays)
     EXPECT_FALSE(wrapper->IsLoadingState());
 }
 
+TEST_F(ParametersTest, StateThatGrewSinceTheSizeQueryIsNotWrittenPastTheHostBlock)
+{
+    auto wrapper = MakeWrapper();
+    uint32_t size = 0;
+    ASSERT_EQ(wrapper->GetChunkSize(kProductID, &size), AAX_SUCCESS);
+    auto block = ChunkBlock(static_cast<int32_t>(size));
+    auto* chunk = reinterpret_cast<AAX_SPlugInChunk*>(block.data());
+    chunk->fSize = static_cast<int32_t>(size);
+    Script().state = {'l', 'o', 'n', 'g', 'e', 'r', ' ', 's', 't', 'a', 't', 'e'};
+    Script().journal.clear();
+    EXPECT_EQ(wrapper->GetChunk(kProductID, chunk), AAX_ERROR_INCORRECT_CHUNK_SIZE);
+    EXPECT_EQ(Script().journal, std::vector<std::string>{"GetState size"}) << "measured, never written";
+    EXPECT_EQ(chunk->fSize, static_cast<int32_t>(size));
+    EXPECT_EQ(mLog->Find("parameters", "error", "GetChunk state of 12 bytes does not fit the chunk of 5 bytes").size(),
+              1u);
+}
+
 TEST_F(ParametersTest, WithoutHostTheWrapperChunkIsEmptyButSucceeds)
 {
     WithoutHost();
