@@ -27,10 +27,11 @@ def main(path):
         for note in chord:
             events.append((start, 2, bytes([0x90, note, 80])))
             events.append((start + 4 * PPQ - 20, 1, bytes([0x80, note, 0])))
+    # The melody plays on MIDI channel 2, so it also lands on its own stem.
     for i, note in enumerate(melody):
         start = i * PPQ
-        events.append((start, 2, bytes([0x90, note, 100 + (i % 3) * 10])))
-        events.append((start + PPQ // 2, 1, bytes([0x80, note, 0])))
+        events.append((start, 2, bytes([0x91, note, 100 + (i % 3) * 10])))
+        events.append((start + PPQ // 2, 1, bytes([0x81, note, 0])))
     events.sort(key=lambda e: (e[0], e[1]))
     track = bytearray()
     last = 0
