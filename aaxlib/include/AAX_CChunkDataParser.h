@@ -65,6 +65,8 @@ public:
     static int32_t WordAlign(int32_t offset) { return (offset + 3) & ~3; }
 
 private:
+    // Every Add* call: only the type and the value's bits or text differ.
+    void AddEntry(const char* name, int32_t type, int64_t bits, const AAX_CString& text = AAX_CString());
     void Append(DataValue&& value);
     const DataValue* Lookup(const char* name, int32_t type) const;
 

@@ -53,51 +53,37 @@ void AAX_CChunkDataParser::Append(DataValue&& value)
     mDataValues.push_back(std::move(value));
 }
 
+void AAX_CChunkDataParser::AddEntry(const char* name, int32_t type, int64_t bits, const AAX_CString& text)
+{
+    DataValue v;
+    v.mDataType = type;
+    v.mDataName = SafeName(name);
+    v.mIntValue = bits;
+    v.mStringValue = text;
+    Append(std::move(v));
+}
+
 void AAX_CChunkDataParser::AddFloat(const char* name, float value)
 {
-    DataValue v;
-    v.mDataType = kFloatType;
-    v.mDataName = SafeName(name);
     uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof(bits));
-    v.mIntValue = bits;
-    Append(std::move(v));
+    AddEntry(name, kFloatType, bits);  // zero-extended: the float's own 32 bits
 }
 
-void AAX_CChunkDataParser::AddInt32(const char* name, int32_t value)
-{
-    DataValue v;
-    v.mDataType = kLongType;
-    v.mDataName = SafeName(name);
-    v.mIntValue = value;
-    Append(std::move(v));
-}
+void AAX_CChunkDataParser::AddInt32(const char* name, int32_t value) { AddEntry(name, kLongType, value); }
 
-void AAX_CChunkDataParser::AddInt16(const char* name, int16_t value)
-{
-    DataValue v;
-    v.mDataType = kShortType;
-    v.mDataName = SafeName(name);
-    v.mIntValue = value;
-    Append(std::move(v));
-}
+void AAX_CChunkDataParser::AddInt16(const char* name, int16_t value) { AddEntry(name, kShortType, value); }
 
 void AAX_CChunkDataParser::AddDouble(const char* name, double value)
 {
-    DataValue v;
-    v.mDataType = kDoubleType;
-    v.mDataName = SafeName(name);
-    std::memcpy(&v.mIntValue, &value, sizeof(value));
-    Append(std::move(v));
+    int64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(value));
+    AddEntry(name, kDoubleType, bits);
 }
 
 void AAX_CChunkDataParser::AddString(const char* name, const AAX_CString& value)
 {
-    DataValue v;
-    v.mDataType = kStringType;
-    v.mDataName = SafeName(name);
-    v.mStringValue = value;
-    Append(std::move(v));
+    AddEntry(name, kStringType, 0, value);
 }
 
 bool AAX_CChunkDataParser::ReplaceDouble(const char* name, double value)

@@ -6,6 +6,39 @@
 #include "AAX_CString.h"
 #include "AAX_IParameter.h"
 
+namespace {
+
+// A parameter's current value in the type the chunk stores it as. The first
+// typed getter that answers decides that type; saving, restoring and
+// comparing all probe through here so their order can never drift apart.
+struct SStoredValue {
+    enum EType { kNone, kFloat, kInt32, kBool, kDouble, kString };
+    EType type = kNone;
+    float floatValue = 0.0f;
+    int32_t intValue = 0;
+    bool boolValue = false;
+    double doubleValue = 0.0;
+    AAX_CString stringValue;
+};
+
+SStoredValue ReadStoredValue(const AAX_IParameter& param)
+{
+    SStoredValue v;
+    if (param.GetValueAsFloat(&v.floatValue))
+        v.type = SStoredValue::kFloat;
+    else if (param.GetValueAsInt32(&v.intValue))
+        v.type = SStoredValue::kInt32;
+    else if (param.GetValueAsBool(&v.boolValue))
+        v.type = SStoredValue::kBool;
+    else if (param.GetValueAsDouble(&v.doubleValue))
+        v.type = SStoredValue::kDouble;
+    else if (param.GetValueAsString(&v.stringValue))
+        v.type = SStoredValue::kString;
+    return v;
+}
+
+}  // namespace
+
 AAX_Result AAX_CEffectParameters::GetNumberOfChunks(int32_t* oNumChunks) const
 {
     if (oNumChunks == nullptr) return AAX_ERROR_NULL_ARGUMENT;
@@ -59,21 +92,15 @@ void AAX_CEffectParameters::BuildChunkData() const
         const AAX_IParameter* param = mParameterManager.GetParameter(i);
         if (param == nullptr || IsParameterFilteredOnSave(param->Identifier())) continue;
         const char* id = param->Identifier();
-        float floatValue = 0.0f;
-        int32_t intValue = 0;
-        bool boolValue = false;
-        double doubleValue = 0.0;
-        AAX_CString stringValue;
-        if (param->GetValueAsFloat(&floatValue))
-            mChunkParser.AddDouble(id, static_cast<double>(floatValue));
-        else if (param->GetValueAsInt32(&intValue))
-            mChunkParser.AddInt32(id, intValue);
-        else if (param->GetValueAsBool(&boolValue))
-            mChunkParser.AddInt32(id, boolValue ? 1 : 0);
-        else if (param->GetValueAsDouble(&doubleValue))
-            mChunkParser.AddDouble(id, doubleValue);
-        else if (param->GetValueAsString(&stringValue))
-            mChunkParser.AddString(id, stringValue);
+        const SStoredValue v = ReadStoredValue(*param);
+        switch (v.type) {
+        case SStoredValue::kFloat: mChunkParser.AddDouble(id, static_cast<double>(v.floatValue)); break;
+        case SStoredValue::kInt32: mChunkParser.AddInt32(id, v.intValue); break;
+        case SStoredValue::kBool: mChunkParser.AddInt32(id, v.boolValue ? 1 : 0); break;
+        case SStoredValue::kDouble: mChunkParser.AddDouble(id, v.doubleValue); break;
+        case SStoredValue::kString: mChunkParser.AddString(id, v.stringValue); break;
+        case SStoredValue::kNone: break;
+        }
     }
 }
 
@@ -89,23 +116,27 @@ AAX_Result AAX_CEffectParameters::SetChunk(AAX_CTypeID iChunkID, const AAX_SPlug
         AAX_IParameter* param = mParameterManager.GetParameter(i);
         if (param == nullptr || IsParameterFilteredOnSave(param->Identifier())) continue;
         const char* id = param->Identifier();
-        // Probe the value type in the same order as BuildChunkData; the
-        // setters route every restored value through the normal update path.
-        float floatValue = 0.0f;
-        int32_t intValue = 0;
-        bool boolValue = false;
-        double doubleValue = 0.0;
-        AAX_CString stringValue;
-        if (param->GetValueAsFloat(&floatValue)) {
-            if (mChunkParser.FindDouble(id, &doubleValue)) param->SetValueWithFloat(static_cast<float>(doubleValue));
-        } else if (param->GetValueAsInt32(&intValue)) {
-            if (mChunkParser.FindInt32(id, &intValue)) param->SetValueWithInt32(intValue);
-        } else if (param->GetValueAsBool(&boolValue)) {
-            if (mChunkParser.FindInt32(id, &intValue)) param->SetValueWithBool(intValue != 0);
-        } else if (param->GetValueAsDouble(&doubleValue)) {
-            if (mChunkParser.FindDouble(id, &doubleValue)) param->SetValueWithDouble(doubleValue);
-        } else if (param->GetValueAsString(&stringValue)) {
-            if (mChunkParser.FindString(id, &stringValue)) param->SetValueWithString(stringValue);
+        // The setters route every restored value through the normal update path.
+        int32_t storedInt = 0;
+        double storedDouble = 0.0;
+        AAX_CString storedString;
+        switch (ReadStoredValue(*param).type) {
+        case SStoredValue::kFloat:
+            if (mChunkParser.FindDouble(id, &storedDouble)) param->SetValueWithFloat(static_cast<float>(storedDouble));
+            break;
+        case SStoredValue::kInt32:
+            if (mChunkParser.FindInt32(id, &storedInt)) param->SetValueWithInt32(storedInt);
+            break;
+        case SStoredValue::kBool:
+            if (mChunkParser.FindInt32(id, &storedInt)) param->SetValueWithBool(storedInt != 0);
+            break;
+        case SStoredValue::kDouble:
+            if (mChunkParser.FindDouble(id, &storedDouble)) param->SetValueWithDouble(storedDouble);
+            break;
+        case SStoredValue::kString:
+            if (mChunkParser.FindString(id, &storedString)) param->SetValueWithString(storedString);
+            break;
+        case SStoredValue::kNone: break;
         }
     }
     return AAX_SUCCESS;
@@ -125,25 +156,29 @@ AAX_Result AAX_CEffectParameters::CompareActiveChunk(const AAX_SPlugInChunk* iCh
         const AAX_IParameter* param = mParameterManager.GetParameter(i);
         if (param == nullptr || IsParameterFilteredOnSave(param->Identifier())) continue;
         const char* id = param->Identifier();
-        float floatValue = 0.0f;
-        int32_t intValue = 0;
+        const SStoredValue v = ReadStoredValue(*param);
         int32_t storedInt = 0;
-        bool boolValue = false;
-        double doubleValue = 0.0;
         double storedDouble = 0.0;
-        AAX_CString stringValue;
         AAX_CString storedString;
         bool differs = false;
-        if (param->GetValueAsFloat(&floatValue))
-            differs = mChunkParser.FindDouble(id, &storedDouble) && static_cast<float>(storedDouble) != floatValue;
-        else if (param->GetValueAsInt32(&intValue))
-            differs = mChunkParser.FindInt32(id, &storedInt) && storedInt != intValue;
-        else if (param->GetValueAsBool(&boolValue))
-            differs = mChunkParser.FindInt32(id, &storedInt) && (storedInt != 0) != boolValue;
-        else if (param->GetValueAsDouble(&doubleValue))
-            differs = mChunkParser.FindDouble(id, &storedDouble) && storedDouble != doubleValue;
-        else if (param->GetValueAsString(&stringValue))
-            differs = mChunkParser.FindString(id, &storedString) && storedString != stringValue;
+        switch (v.type) {
+        case SStoredValue::kFloat:
+            differs = mChunkParser.FindDouble(id, &storedDouble) && static_cast<float>(storedDouble) != v.floatValue;
+            break;
+        case SStoredValue::kInt32:
+            differs = mChunkParser.FindInt32(id, &storedInt) && storedInt != v.intValue;
+            break;
+        case SStoredValue::kBool:
+            differs = mChunkParser.FindInt32(id, &storedInt) && (storedInt != 0) != v.boolValue;
+            break;
+        case SStoredValue::kDouble:
+            differs = mChunkParser.FindDouble(id, &storedDouble) && storedDouble != v.doubleValue;
+            break;
+        case SStoredValue::kString:
+            differs = mChunkParser.FindString(id, &storedString) && storedString != v.stringValue;
+            break;
+        case SStoredValue::kNone: break;
+        }
         if (differs) {
             *oIsEqual = 0;
             return AAX_SUCCESS;

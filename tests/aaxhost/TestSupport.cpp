@@ -6,38 +6,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
+#include "HostRunFiles.h"
 #include "WavWriter.h"
 
 namespace AAXHostTest {
-
-namespace fs = std::filesystem;
-
-namespace {
-
-std::string Quote(const std::string& s)
-{
-    std::string q = "'";
-    for (char c : s)
-        q += (c == '\'') ? std::string("'\\''") : std::string(1, c);
-    return q + "'";
-}
-
-std::string Slurp(const std::string& path)
-{
-    std::ifstream f(path, std::ios::binary);
-    std::stringstream ss;
-    ss << f.rdbuf();
-    return ss.str();
-}
-
-}  // namespace
 
 nlohmann::json SRunResult::Json() const
 {
@@ -48,38 +24,19 @@ SRunResult RunHost(const std::vector<std::string>& args)
 {
     static int counter = 0;
     const std::string base = TempDir("run") + "/" + std::to_string(counter++);
-    std::string cmd = Quote(AAXHOST_EXE);
+    std::string cmd = ShellQuote(AAXHOST_EXE);
     for (const auto& a : args)
-        cmd += " " + Quote(a);
-    cmd += " >" + Quote(base + ".out") + " 2>" + Quote(base + ".err") + " </dev/null";
+        cmd += " " + ShellQuote(a);
+    cmd += " >" + ShellQuote(base + ".out") + " 2>" + ShellQuote(base + ".err") + " </dev/null";
     const int status = std::system(cmd.c_str());
     SRunResult r;
     r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + (WIFSIGNALED(status) ? WTERMSIG(status) : 0);
-    r.out = Slurp(base + ".out");
-    r.err = Slurp(base + ".err");
+    r.out = ReadWholeFile(base + ".out");
+    r.err = ReadWholeFile(base + ".err");
     return r;
 }
 
-std::string TempDir(const std::string& name)
-{
-    // One folder per test, so that tests run in parallel (ctest -j) never
-    // share or clear each other's files.
-    std::string test = "no-test";
-    if (const auto* info = ::testing::UnitTest::GetInstance()->current_test_info())
-        test = std::string(info->test_suite_name()) + "." + info->name();
-    for (char& c : test)
-        if (c == '/' || c == ' ')
-            c = '_';
-    const fs::path dir = fs::path(AAXHOST_TEST_WORK_DIR) / test / name;
-    static std::vector<std::string> cleaned;
-    const std::string key = dir.string();
-    if (std::find(cleaned.begin(), cleaned.end(), key) == cleaned.end()) {
-        fs::remove_all(dir);
-        cleaned.push_back(key);
-    }
-    fs::create_directories(dir);
-    return key;
-}
+std::string TempDir(const std::string& name) { return TestFolder(AAXHOST_TEST_WORK_DIR, name); }
 
 void WriteMidiFile(const std::string& path, const std::vector<SNote>& notes,
                    const std::vector<std::pair<double, std::vector<unsigned char>>>& extra)

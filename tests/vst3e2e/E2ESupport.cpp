@@ -1,38 +1,22 @@
 #include "E2ESupport.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
 
-namespace vst3e2e {
+#include "HostRunFiles.h"
 
-namespace fs = std::filesystem;
+namespace vst3e2e {
 
 namespace {
 
-std::string Quote(const std::string& s)
-{
-    std::string q = "'";
-    for (char c : s)
-        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return q + "'";
-}
-
-std::string Slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
+using AAXHostTest::ReadWholeFile;
+using AAXHostTest::ShellQuote;
 
 std::vector<std::string> Lines(const std::string& text)
 {
@@ -73,13 +57,7 @@ nlohmann::json SRun::Json() const
     return nlohmann::json::parse(out, nullptr, false);
 }
 
-std::string TempDir(const std::string& name)
-{
-    const fs::path dir = fs::path(VST3E2E_WORK_DIR) / (name + "." + std::to_string(getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    return dir.string();
-}
+std::string TempDir(const std::string& name) { return AAXHostTest::TestFolder(VST3E2E_WORK_DIR, name); }
 
 std::string SynthBundle() { return std::string(VST3E2E_BUNDLE_DIR) + "/MrvTestSynth.aaxplugin"; }
 
@@ -88,19 +66,19 @@ SRun RunHost(const std::vector<std::string>& args, const std::vector<std::string
     static int runs = 0;
     const std::string base = TempDir("run") + "/" + std::to_string(++runs);
     const std::string tracePath = base + ".trace", outPath = base + ".out", errPath = base + ".err";
-    std::string command = "env MRV_VST3_TRACE=" + Quote(tracePath);
+    std::string command = "env MRV_VST3_TRACE=" + ShellQuote(tracePath);
     for (const auto& e : env)
-        command += " " + Quote(e);
-    command += " " + Quote(AAXHOST_EXE);
+        command += " " + ShellQuote(e);
+    command += " " + ShellQuote(AAXHOST_EXE);
     for (const auto& a : args)
-        command += " " + Quote(a);
-    command += " >" + Quote(outPath) + " 2>" + Quote(errPath) + " </dev/null";
+        command += " " + ShellQuote(a);
+    command += " >" + ShellQuote(outPath) + " 2>" + ShellQuote(errPath) + " </dev/null";
     const int status = std::system(command.c_str());
     SRun run;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = Slurp(outPath);
-    run.err = Slurp(errPath);
-    run.trace = Lines(Slurp(tracePath));
+    run.out = ReadWholeFile(outPath);
+    run.err = ReadWholeFile(errPath);
+    run.trace = Lines(ReadWholeFile(tracePath));
     return run;
 }
 
@@ -189,7 +167,7 @@ uint32_t ReadU32(const std::vector<uint8_t>& bytes, size_t at)
 
 std::vector<SStateChunk> ReadStateFile(const std::string& path)
 {
-    const std::string text = Slurp(path);
+    const std::string text = ReadWholeFile(path);
     const std::vector<uint8_t> bytes(text.begin(), text.end());
     if (bytes.size() < 16 || text.compare(0, 8, "AAXHSTAT") != 0 || ReadU32(bytes, 8) != 1)
         throw std::runtime_error("not an aaxhost state file: " + path);

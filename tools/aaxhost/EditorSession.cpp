@@ -3,45 +3,67 @@
 #include <cstdio>
 
 #include "AAX_IEffectGUI.h"
+#include "CrashReport.h"
 #include "HostInstance.h"
 #include "HostViewContainer.h"
 #include "ResultText.h"
 
 namespace AAXHost {
 
-bool CEditorSession::Open(CHostInstance& instance, std::string& error)
+AAX_IACFEffectGUI* CreateEffectGui(CHostInstance& instance, std::string& error, const char* phase)
 {
-    Close();
     auto factory = reinterpret_cast<AAX_CreateEffectGUIProc>(instance.GuiFactory());
     if (!factory) {
         error = "the effect registered no GUI factory";
-        return false;
+        return nullptr;
     }
+    if (phase)
+        SetPhase(phase);
     AAX_IEffectGUI* raw = factory();
     if (!raw) {
         error = "the GUI factory returned null";
-        return false;
+        return nullptr;
     }
     void* queried = nullptr;
     if (raw->QueryInterface(IID_IAAXEffectGUIV1, &queried) != ACF_OK || !queried) {
         error = "the GUI object does not answer IID_IAAXEffectGUIV1";
-        return false;
+        return nullptr;
     }
     auto* gui = static_cast<AAX_IACFEffectGUI*>(queried);
     const AAX_Result r = gui->Initialize(instance.Effect());
     if (r != AAX_SUCCESS) {
         gui->Release();
         error = "GUI Initialize failed with " + ResultText(r);
-        return false;
+        return nullptr;
     }
-    mGui = gui;
-    mInstance = &instance;
-    mContainer = new CHostViewContainer;
-    const AAX_Result set = mGui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(mContainer));
-    // The gui command reports this the same way: a view that cannot attach
-    // is the plug-in's business, not a host failure.
+    return gui;
+}
+
+CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui)
+{
+    auto* container = new CHostViewContainer;
+    const AAX_Result set = gui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(container));
+    // A view that cannot attach is the plug-in's business, not a host failure.
     if (set != AAX_SUCCESS)
         std::fprintf(stderr, "aaxhost: SetViewContainer answered %d\n", set);
+    return container;
+}
+
+void DetachEffectGui(AAX_IACFEffectGUI* gui)
+{
+    gui->SetViewContainer(nullptr);
+    gui->Uninitialize();
+}
+
+bool CEditorSession::Open(CHostInstance& instance, std::string& error)
+{
+    Close();
+    AAX_IACFEffectGUI* gui = CreateEffectGui(instance, error);
+    if (!gui)
+        return false;
+    mGui = gui;
+    mInstance = &instance;
+    mContainer = AttachViewContainer(mGui);
     return true;
 }
 
@@ -57,8 +79,7 @@ void CEditorSession::Close()
 {
     if (!mGui)
         return;
-    mGui->SetViewContainer(nullptr);
-    mGui->Uninitialize();
+    DetachEffectGui(mGui);
     mGui->Release();
     mContainer->Release();
     mGui = nullptr;

@@ -13,6 +13,17 @@ namespace AAXHost {
 class CHostInstance;
 class CHostViewContainer;
 
+// The opening steps every view session shares. CreateEffectGui: GUI factory,
+// query and Initialize with the effect; null and error set on failure. The
+// phase, when given, is what a crash report names from the plug-in's first
+// GUI call on.
+AAX_IACFEffectGUI* CreateEffectGui(CHostInstance& instance, std::string& error, const char* phase = nullptr);
+// Attaches a fresh view container holding one reference for the caller.
+CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui);
+// Detaches the view, then uninitializes, as a host closes a window; the
+// caller releases the GUI object and the container afterwards.
+void DetachEffectGui(AAX_IACFEffectGUI* gui);
+
 class CEditorSession {
 public:
     CEditorSession() = default;

@@ -3,11 +3,10 @@
 #include <cstdio>
 
 #include "AAX_IEffectGUI.h"
-#include "CrashReport.h"
+#include "EditorSession.h"
 #include "HostInstance.h"
 #include "HostViewContainer.h"
 #include "PluginSession.h"
-#include "ResultText.h"
 
 namespace AAXHost {
 
@@ -33,35 +32,11 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
     if (!instance.Create(error))
         return false;
 
-    auto factory = reinterpret_cast<AAX_CreateEffectGUIProc>(instance.GuiFactory());
-    if (!factory) {
-        error = "the effect registered no GUI factory";
+    AAX_IACFEffectGUI* gui = CreateEffectGui(instance, error, "the view session");
+    if (!gui)
         return false;
-    }
-    SetPhase("the view session");
-    AAX_IEffectGUI* raw = factory();
-    if (!raw) {
-        error = "the GUI factory returned null";
-        return false;
-    }
-    void* queried = nullptr;
-    if (raw->QueryInterface(IID_IAAXEffectGUIV1, &queried) != ACF_OK || !queried) {
-        error = "the GUI object does not answer IID_IAAXEffectGUIV1";
-        return false;
-    }
-    auto* gui = static_cast<AAX_IACFEffectGUI*>(queried);
-    AAX_Result r = gui->Initialize(instance.Effect());
-    if (r != AAX_SUCCESS) {
-        gui->Release();
-        error = "GUI Initialize failed with " + ResultText(r);
-        return false;
-    }
     const size_t automationBefore = instance.Controller()->Automation().size();
-    auto* container = new CHostViewContainer;
-    r = gui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(container));
-    if (r != AAX_SUCCESS) {
-        std::fprintf(stderr, "aaxhost: SetViewContainer answered %d\n", r);
-    }
+    CHostViewContainer* container = AttachViewContainer(gui);
     gui->GetViewSize(&report.initialSize);
     if (config.print)
         std::printf("view size %gx%g\n", report.initialSize.horz, report.initialSize.vert);
@@ -82,8 +57,7 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
             std::printf("view size now %gx%g\n", size.horz, size.vert);
         last = size;
     }
-    gui->SetViewContainer(nullptr);
-    gui->Uninitialize();
+    DetachEffectGui(gui);
     report.requested = container->Requests();
     const auto& automation = instance.Controller()->Automation();
     report.automation.assign(automation.begin() + static_cast<std::ptrdiff_t>(automationBefore), automation.end());

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "OutValue.h"
+
 namespace AAXHost {
 
 namespace {
@@ -20,11 +22,8 @@ CHostController::CHostController(std::string effectID, float sampleRate, int32_t
 {
 }
 
-ACFRESULT CHostController::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostController::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXControllerV1)
         return AnswerInterface<AAX_IACFController>(this, out);
     if (iid == IID_IAAXAutomationDelegateV1)
@@ -32,14 +31,6 @@ ACFRESULT CHostController::QueryInterface(const acfIID& iid, void** out)
     if (iid == IID_IAAXTransportV1)
         return AnswerInterface<AAX_IACFTransport>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostController::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 AAX_Result CHostController::GetEffectID(char* outEffectID, uint32_t bufferSize) const
@@ -52,37 +43,13 @@ AAX_Result CHostController::GetEffectID(char* outEffectID, uint32_t bufferSize) 
     return AAX_SUCCESS;
 }
 
-AAX_Result CHostController::GetSampleRate(AAX_CSampleRate* rate) const
-{
-    if (!rate)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *rate = mSampleRate;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostController::GetSampleRate(AAX_CSampleRate* rate) const { return WriteOut(rate, mSampleRate); }
 
-AAX_Result CHostController::GetInputStemFormat(int32_t* format) const
-{
-    if (!format)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *format = mInputStem;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostController::GetInputStemFormat(int32_t* format) const { return WriteOut(format, mInputStem); }
 
-AAX_Result CHostController::GetOutputStemFormat(int32_t* format) const
-{
-    if (!format)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *format = mOutputStem;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostController::GetOutputStemFormat(int32_t* format) const { return WriteOut(format, mOutputStem); }
 
-AAX_Result CHostController::GetSignalLatency(int32_t* samples) const
-{
-    if (!samples)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *samples = mLatency;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostController::GetSignalLatency(int32_t* samples) const { return WriteOut(samples, mLatency); }
 
 AAX_Result CHostController::SetSignalLatency(int32_t samples)
 {

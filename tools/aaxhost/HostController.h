@@ -32,14 +32,11 @@ struct SPostedPacket {
     std::vector<uint8_t> payload;
 };
 
-class CHostController final : public AAX_IACFController, public AAX_IACFAutomationDelegate, public AAX_IACFTransport {
+class CHostController final
+    : public CHostUnknown<AAX_IACFController, AAX_IACFAutomationDelegate, AAX_IACFTransport> {
 public:
     CHostController(std::string effectID, float sampleRate, int32_t inputStem, int32_t outputStem,
                     const STransportState& transport);
-
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
 
     // Controller
     AAX_Result GetEffectID(char* outEffectID, uint32_t bufferSize) const override;
@@ -76,10 +73,10 @@ public:
     int32_t Latency() const { return mLatency; }
 
 private:
-    ~CHostController() = default;
+    ~CHostController() override = default;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
     void Record(const char* kind, AAX_CParamID id, double value) const;
 
-    CRefCount mRefs;
     std::string mEffectID;
     float mSampleRate;
     int32_t mInputStem;

@@ -21,27 +21,13 @@ T* OwnObject(IACFUnknown* unknown, const acfIID& privateIID)
 
 // ---- component descriptor ---------------------------------------------------
 
-ACFRESULT CHostComponentDescriptor::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostComponentDescriptor::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXComponentDescriptorV1)
         return AnswerInterface<AAX_IACFComponentDescriptor>(this, out);
-    if (iid == IID_CHostComponentDescriptor) {
-        AddRef();
-        *out = this;
-        return ACF_OK;
-    }
+    if (iid == IID_CHostComponentDescriptor)
+        return AnswerInterface<CHostComponentDescriptor>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostComponentDescriptor::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 AAX_Result CHostComponentDescriptor::Record(const char* call, AAX_CFieldIndex index,
@@ -126,27 +112,13 @@ CHostEffectDescriptor::~CHostEffectDescriptor()
         c->Release();
 }
 
-ACFRESULT CHostEffectDescriptor::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostEffectDescriptor::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXEffectDescriptorV1)
         return AnswerInterface<AAX_IACFEffectDescriptor>(this, out);
-    if (iid == IID_CHostEffectDescriptor) {
-        AddRef();
-        *out = this;
-        return ACF_OK;
-    }
+    if (iid == IID_CHostEffectDescriptor)
+        return AnswerInterface<CHostEffectDescriptor>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostEffectDescriptor::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 IACFUnknown* CHostEffectDescriptor::NewComponentDescriptor()
@@ -218,24 +190,13 @@ CHostCollection::~CHostCollection()
         e.second->Release();
 }
 
-ACFRESULT CHostCollection::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostCollection::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXCollectionV1)
         return AnswerInterface<AAX_IACFCollection>(this, out);
     if (iid == IID_IACFPluginDefinition)
         return AnswerInterface<IACFPluginDefinition>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostCollection::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 IACFUnknown* CHostCollection::NewDescriptor()

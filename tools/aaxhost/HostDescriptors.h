@@ -15,12 +15,8 @@ namespace AAXHost {
 inline constexpr acfIID IID_CHostComponentDescriptor = {0x68737441, 0x0002, 0x4858, {0x43, 0x6F, 0x6D, 0x70, 0x44, 0x65, 0x73, 0x00}};
 inline constexpr acfIID IID_CHostEffectDescriptor = {0x68737441, 0x0003, 0x4858, {0x45, 0x66, 0x66, 0x44, 0x65, 0x73, 0x63, 0x00}};
 
-class CHostComponentDescriptor final : public AAX_IACFComponentDescriptor {
+class CHostComponentDescriptor final : public CHostUnknown<AAX_IACFComponentDescriptor> {
 public:
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
-
     AAX_Result Clear() override;
     AAX_Result AddAudioIn(AAX_CFieldIndex index) override;
     AAX_Result AddAudioOut(AAX_CFieldIndex index) override;
@@ -39,20 +35,16 @@ public:
     const SComponentInfo& Info() const { return mInfo; }
 
 private:
-    ~CHostComponentDescriptor() = default;
+    ~CHostComponentDescriptor() override = default;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
     AAX_Result Record(const char* call, AAX_CFieldIndex index, std::vector<std::pair<std::string, int64_t>> args = {},
                       const char* name = nullptr);
 
-    CRefCount mRefs;
     SComponentInfo mInfo;
 };
 
-class CHostEffectDescriptor final : public AAX_IACFEffectDescriptor {
+class CHostEffectDescriptor final : public CHostUnknown<AAX_IACFEffectDescriptor> {
 public:
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
-
     IACFUnknown* NewComponentDescriptor() override;
     AAX_Result AddComponent(IACFUnknown* component) override;
     AAX_Result AddName(const char* name) override;
@@ -66,19 +58,16 @@ public:
     SEffectInfo Info() const;
 
 private:
-    ~CHostEffectDescriptor();
-    CRefCount mRefs;
+    ~CHostEffectDescriptor() override;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
+
     SEffectInfo mInfo;  // without components
     std::vector<CHostComponentDescriptor*> mComponents;  // one reference each
 };
 
-class CHostCollection final : public AAX_IACFCollection, public IACFPluginDefinition {
+class CHostCollection final : public CHostUnknown<AAX_IACFCollection, IACFPluginDefinition> {
 public:
     CHostCollection() = default;
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
-
     IACFUnknown* NewDescriptor() override;
     AAX_Result AddEffect(const char* effectID, IACFUnknown* descriptor) override;
     AAX_Result SetManufacturerName(const char* name) override;
@@ -88,11 +77,11 @@ public:
     AAX_Result SetProperties(IACFUnknown* properties) override;
 
     SPluginInfo Info() const;
-    acfUInt32 RefCount() const { return mRefs.Count(); }
 
 private:
-    ~CHostCollection();
-    CRefCount mRefs;
+    ~CHostCollection() override;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
+
     SPluginInfo mInfo;  // without effects
     std::vector<std::pair<std::string, CHostEffectDescriptor*>> mEffects;  // one reference each
 };

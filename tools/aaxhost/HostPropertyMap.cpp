@@ -2,22 +2,11 @@
 
 namespace AAXHost {
 
-ACFRESULT CHostPropertyMap::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostPropertyMap::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXPropertyMapV1 || iid == IID_CHostPropertyMap)
         return AnswerInterface<AAX_IACFPropertyMap>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostPropertyMap::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 AAX_CBoolean CHostPropertyMap::GetProperty(AAX_EProperty id, AAX_CPropertyValue* value) const

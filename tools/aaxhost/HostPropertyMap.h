@@ -11,12 +11,8 @@ namespace AAXHost {
 // Lets the host recognise its own objects when the plug-in hands them back.
 inline constexpr acfIID IID_CHostPropertyMap = {0x68737441, 0x0001, 0x4858, {0x50, 0x72, 0x6F, 0x70, 0x4D, 0x61, 0x70, 0x00}};
 
-class CHostPropertyMap final : public AAX_IACFPropertyMap {
+class CHostPropertyMap final : public CHostUnknown<AAX_IACFPropertyMap> {
 public:
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
-
     AAX_CBoolean GetProperty(AAX_EProperty id, AAX_CPropertyValue* value) const override;
     AAX_Result AddProperty(AAX_EProperty id, AAX_CPropertyValue value) override;
     AAX_Result RemoveProperty(AAX_EProperty id) override;
@@ -24,8 +20,9 @@ public:
     const PropertyList& Properties() const { return mProperties; }
 
 private:
-    ~CHostPropertyMap() = default;
-    CRefCount mRefs;
+    ~CHostPropertyMap() override = default;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
+
     PropertyList mProperties;
 };
 

@@ -4,22 +4,11 @@
 
 namespace AAXHost {
 
-ACFRESULT CHostServices::QueryInterface(const acfIID& iid, void** out)
+ACFRESULT CHostServices::AnswerQuery(const acfIID& iid, void** out)
 {
-    if (!out)
-        return ACF_E_POINTER;
-    *out = nullptr;
     if (iid == IID_IACFUnknown || iid == IID_IAAXHostServicesV1)
         return AnswerInterface<AAX_IACFHostServices>(this, out);
     return ACF_E_NOINTERFACE;
-}
-
-acfUInt32 CHostServices::Release()
-{
-    const acfUInt32 left = mRefs.Remove();
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 AAX_Result CHostServices::HandleAssertFailure(const char* file, int32_t line, const char* note) const

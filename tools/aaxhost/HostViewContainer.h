@@ -10,12 +10,8 @@
 
 namespace AAXHost {
 
-class CHostViewContainer final : public AAX_IACFViewContainer {
+class CHostViewContainer final : public CHostUnknown<AAX_IACFViewContainer> {
 public:
-    ACFRESULT QueryInterface(const acfIID& iid, void** out) override;
-    acfUInt32 AddRef() override { return mRefs.Add(); }
-    acfUInt32 Release() override;
-
     int32_t GetType() override { return AAX_eViewContainer_Type_NULL; }
     void* GetPtr() override { return nullptr; }
     AAX_Result GetModifiers(uint32_t* modifiers) override;
@@ -24,8 +20,9 @@ public:
     const std::vector<AAX_Point>& Requests() const { return mRequests; }
 
 private:
-    ~CHostViewContainer() = default;
-    CRefCount mRefs;
+    ~CHostViewContainer() override = default;
+    ACFRESULT AnswerQuery(const acfIID& iid, void** out) override;
+
     std::vector<AAX_Point> mRequests;
 };
 

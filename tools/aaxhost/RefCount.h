@@ -31,4 +31,39 @@ ACFRESULT AnswerInterface(TObject* self, void** out)
     return ACF_OK;
 }
 
+// The IACFUnknown part of every host object: the QueryInterface checks,
+// the reference count and the deletion at the last Release. A subclass only
+// says which interfaces it answers.
+template <class... TInterfaces>
+class CHostUnknown : public TInterfaces... {
+public:
+    ACFRESULT QueryInterface(const acfIID& iid, void** out) override
+    {
+        if (!out)
+            return ACF_E_POINTER;
+        *out = nullptr;
+        return AnswerQuery(iid, out);
+    }
+    acfUInt32 AddRef() override { return mRefs.Add(); }
+    acfUInt32 Release() override
+    {
+        const acfUInt32 left = mRefs.Remove();
+        if (left == 0)
+            delete this;
+        return left;
+    }
+    acfUInt32 RefCount() const { return mRefs.Count(); }
+
+protected:
+    CHostUnknown() = default;
+    // Virtual so that Release destroys the whole object.
+    virtual ~CHostUnknown() = default;
+    // Answers iid through AnswerInterface, or ACF_E_NOINTERFACE; out is
+    // valid and already cleared.
+    virtual ACFRESULT AnswerQuery(const acfIID& iid, void** out) = 0;
+
+private:
+    CRefCount mRefs;
+};
+
 }  // namespace AAXHost

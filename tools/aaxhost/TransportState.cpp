@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "OutValue.h"
+
 namespace AAXHost {
 
 int64_t STransportState::TickPosition() const
@@ -12,13 +14,7 @@ int64_t STransportState::TickPosition() const
     return static_cast<int64_t>(std::llround(quarters * static_cast<double>(kAAX_TicksPerQuarter)));
 }
 
-AAX_Result CHostTransport::GetCurrentTempo(double* tempo) const
-{
-    if (!tempo)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *tempo = mState.tempo;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostTransport::GetCurrentTempo(double* tempo) const { return WriteOut(tempo, mState.tempo); }
 
 AAX_Result CHostTransport::GetCurrentMeter(int32_t* numerator, int32_t* denominator) const
 {
@@ -29,20 +25,11 @@ AAX_Result CHostTransport::GetCurrentMeter(int32_t* numerator, int32_t* denomina
     return AAX_SUCCESS;
 }
 
-AAX_Result CHostTransport::IsTransportPlaying(bool* playing) const
-{
-    if (!playing)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *playing = mState.playing;
-    return AAX_SUCCESS;
-}
+AAX_Result CHostTransport::IsTransportPlaying(bool* playing) const { return WriteOut(playing, mState.playing); }
 
 AAX_Result CHostTransport::GetCurrentTickPosition(int64_t* ticks) const
 {
-    if (!ticks)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *ticks = mState.TickPosition();
-    return AAX_SUCCESS;
+    return WriteOut(ticks, mState.TickPosition());
 }
 
 AAX_Result CHostTransport::GetCurrentLoopPosition(bool* looping, int64_t* start, int64_t* end) const
@@ -57,10 +44,7 @@ AAX_Result CHostTransport::GetCurrentLoopPosition(bool* looping, int64_t* start,
 
 AAX_Result CHostTransport::GetCurrentNativeSampleLocation(int64_t* location) const
 {
-    if (!location)
-        return AAX_ERROR_NULL_ARGUMENT;
-    *location = mState.SongPosition();
-    return AAX_SUCCESS;
+    return WriteOut(location, mState.SongPosition());
 }
 
 }  // namespace AAXHost
