@@ -134,18 +134,6 @@ TEST(Parameter, OnlyTheMatchingTypedAccessorSucceeds)
     EXPECT_FALSE(b->GetValueAsFloat(&fv));
     EXPECT_TRUE(b->SetValueWithBool(false));
     EXPECT_FALSE(b->GetValue());
-
-    AAX_CParameter<int32_t> i("i", AAX_CString("i"), 3, AAX_CLinearTaperDelegate<int32_t, 1>(0, 10),
-                              AAX_CNumberDisplayDelegate<int32_t, 0, 0>());
-    EXPECT_TRUE(i.GetValueAsInt32(&iv));
-    EXPECT_EQ(3, iv);
-    EXPECT_TRUE(i.SetValueWithInt32(12));
-    EXPECT_EQ(10, i.GetValue());
-    AAX_CParameter<double> d("d", AAX_CString("d"), 0.5, AAX_CLinearTaperDelegate<double, 0>(0.0, 2.0),
-                             AAX_CNumberDisplayDelegate<double, 3, 0>());
-    EXPECT_TRUE(d.SetValueWithDouble(1.5));
-    EXPECT_TRUE(d.GetValueAsDouble(&dv));
-    EXPECT_DOUBLE_EQ(1.5, dv);
 }
 
 TEST(Parameter, ValueStringsGoThroughTheDisplay)

@@ -66,12 +66,6 @@ std::vector<std::string> CLogCapture::Find(const std::string& category, const st
     return found;
 }
 
-std::vector<std::string> CLogCapture::Lines() const
-{
-    std::lock_guard<std::mutex> lock(mMutex);
-    return mLines;
-}
-
 void CLogCapture::Clear()
 {
     std::lock_guard<std::mutex> lock(mMutex);

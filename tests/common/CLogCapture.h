@@ -32,7 +32,6 @@ public:
     // Lines of this category and level whose message contains `text`.
     std::vector<std::string> Find(const std::string& category, const std::string& level,
                                   const std::string& text) const;
-    std::vector<std::string> Lines() const;
     void Clear();
 
 private:

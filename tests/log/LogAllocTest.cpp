@@ -24,8 +24,8 @@ void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 TEST(LogAllocations, FilteredAndRecordedLinesDoNotAllocate)
 {
-    TempDir dir;
-    const std::string conf = dir.write("log.conf", "process info\n");
+    CTempDir dir;
+    const std::string conf = dir.WriteFile("log.conf", "process info\n");
     CoutCapture capture;
     CSingleton<CLog>::getInstance()->reloadConf(conf);
     const std::string name = "osc";

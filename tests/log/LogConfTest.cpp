@@ -7,8 +7,11 @@
 #include <memory>
 #include <random>
 
+#include "CScopedEnv.h"
 #include "LogTestSupport.h"
 #include "logger/CLog.h"
+
+using TestSupport::CScopedEnv;
 
 namespace {
 
@@ -18,7 +21,7 @@ protected:
     std::string load(const std::string& conf)
     {
         const size_t before = mCapture.text().size();
-        mLog->reloadConf(mDir.write("log.conf", conf));
+        mLog->reloadConf(mDir.WriteFile("log.conf", conf));
         return mCapture.text().substr(before);
     }
     ELogLevel levelOf(const char* category)
@@ -39,35 +42,8 @@ protected:
     }
 
     CoutCapture mCapture;
-    TempDir mDir;
+    CTempDir mDir;
     std::unique_ptr<CLog> mLog = std::make_unique<CLog>();
-};
-
-// Sets or clears an environment variable for one test.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : mName(name)
-    {
-        if (const char* old = std::getenv(name))
-            mOld = std::make_unique<std::string>(old);
-        if (value != nullptr)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-        tzset();
-    }
-    ~ScopedEnv()
-    {
-        if (mOld)
-            setenv(mName.c_str(), mOld->c_str(), 1);
-        else
-            unsetenv(mName.c_str());
-        tzset();
-    }
-
-private:
-    std::string mName;
-    std::unique_ptr<std::string> mOld;
 };
 
 std::string StampOfStart(const CLog& log)
@@ -81,7 +57,7 @@ std::string StampOfStart(const CLog& log)
 TEST_F(LogConf, CategoriesAndTheirEcho)
 {
     const std::string out = load("gui debug\n\n \t \n// comment\nparameters\twarning\r\nmidi  \t assert\n");
-    EXPECT_EQ(out, "## Config File : " + mDir.file("log.conf") +
+    EXPECT_EQ(out, "## Config File : " + mDir.File("log.conf") +
                        "\n"
                        "###################### \n"
                        "## Log Conf parsing ## \n"
@@ -109,8 +85,8 @@ TEST_F(LogConf, EveryRowOfTheFailureTable)
 
     // Tests run as root, for whom no permission bit makes a file unreadable;
     // a folder is a path that cannot be read as a file.
-    mLog->reloadConf(mDir.path());
-    EXPECT_NE(mCapture.text().find("Conf file " + mDir.path() + " not found.\n"), std::string::npos);
+    mLog->reloadConf(mDir.Path());
+    EXPECT_NE(mCapture.text().find("Conf file " + mDir.Path() + " not found.\n"), std::string::npos);
 
     std::string out = load("gui\ngui debug extra\nmidi Debug\n");
     EXPECT_NE(out.find("## WARNING : this line is ignored as not well-formed gui\n"), std::string::npos);
@@ -184,7 +160,7 @@ TEST_F(LogConf, HostileFilesEndTheParseCleanly)
 
 TEST(LogOutputName, StampFollowsCtimeLayout)
 {
-    ScopedEnv tz("TZ", "UTC");
+    CScopedEnv tz("TZ", "UTC");
     std::tm when{};
     when.tm_year = 2026 - 1900;
     when.tm_mon = 10;
@@ -204,10 +180,10 @@ TEST(LogOutputName, StampFollowsCtimeLayout)
 
 TEST_F(LogConf, OutputFileInHomeDesktopIsChosenOncePerLog)
 {
-    TempDir home;
-    ASSERT_EQ(mkdir((home.path() + "/Desktop").c_str(), 0755), 0);
-    ScopedEnv env("HOME", home.path().c_str());
-    const std::string expected = home.path() + "/Desktop//mylog_" + StampOfStart(*mLog);
+    CTempDir home;
+    ASSERT_EQ(mkdir((home.Path() + "/Desktop").c_str(), 0755), 0);
+    CScopedEnv env("HOME", home.Path().c_str());
+    const std::string expected = home.Path() + "/Desktop//mylog_" + StampOfStart(*mLog);
 
     std::string console = load("gui debug\nparameters warning\nOutputFile mylog\n");
     EXPECT_NE(console.find("## Final Output File : " + expected + "\n"), std::string::npos);
@@ -215,7 +191,7 @@ TEST_F(LogConf, OutputFileInHomeDesktopIsChosenOncePerLog)
     EXPECT_EQ(mLog->getOutputFileName(), expected);
     mLog->buildLog("gui", kLogInfo, "into the file");
 
-    const std::string other = mDir.file("other.log");
+    const std::string other = mDir.File("other.log");
     load("gui debug\nOutputFile " + other + "\n");
     const std::string text = finish();
     EXPECT_EQ(text.find("into the file"), std::string::npos);
@@ -232,7 +208,7 @@ TEST_F(LogConf, OutputFileInHomeDesktopIsChosenOncePerLog)
 
 TEST_F(LogConf, UnsetHomeLeavesTheTildeAndTheConsole)
 {
-    ScopedEnv env("HOME", nullptr);
+    CScopedEnv env("HOME", nullptr);
     const std::string out = load("OutputFile mylog\n");
     EXPECT_NE(out.find("#### Output file not open (~/Desktop//mylog_" + StampOfStart(*mLog) + ")\n"),
               std::string::npos);
@@ -240,7 +216,7 @@ TEST_F(LogConf, UnsetHomeLeavesTheTildeAndTheConsole)
 
 TEST_F(LogConf, ExplicitOutputPathIsTruncatedAndUsedAsWritten)
 {
-    const std::string path = mDir.write("x.log", "old content that must go\n");
+    const std::string path = mDir.WriteFile("x.log", "old content that must go\n");
     load("OutputFile " + path + "\n");
     finish();
     const std::string file = ReadWholeFile(path);

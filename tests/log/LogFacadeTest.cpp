@@ -20,7 +20,7 @@ class LogSession {
 public:
     explicit LogSession(const std::string& conf) : mLog(std::make_unique<CLog>())
     {
-        mLog->reloadConf(mDir.write("log.conf", conf));
+        mLog->reloadConf(mDir.WriteFile("log.conf", conf));
     }
     CLog& log() { return *mLog; }
     // Destroys the log (draining it) and returns everything it printed.
@@ -32,7 +32,7 @@ public:
 
 private:
     CoutCapture mCapture;
-    TempDir mDir;
+    CTempDir mDir;
     std::unique_ptr<CLog> mLog;
 };
 
@@ -215,9 +215,9 @@ TEST(LogFacade, CondAssertInItsThreeConfigurations)
 
 TEST(LogFacade, MacrosGoThroughTheSingleton)
 {
-    TempDir dir;
+    CTempDir dir;
     CoutCapture capture;
-    const std::string conf = dir.write("log.conf", "gui info\n");
+    const std::string conf = dir.WriteFile("log.conf", "gui info\n");
     CSingleton<CLog>::getInstance()->reloadConf(conf);
     MV_LOG("gui", kLogInfo, "plain ", 1);
     MV_LOG("gui", kLogDebug, "below level");

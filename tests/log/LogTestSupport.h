@@ -1,14 +1,16 @@
-// Helpers shared by the log tests: capture of std::cout, scratch folders.
+// Helpers shared by the log tests: capture of std::cout, reading back what
+// was printed; scratch folders come from the shared test support.
 #pragma once
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "CTempDir.h"
+
+using TestSupport::CTempDir;
 
 // Swaps std::cout's buffer for a string buffer. Create it before any log
 // object (whose writer thread prints) and read it after they are gone.
@@ -23,31 +25,6 @@ public:
 private:
     std::ostringstream mText;
     std::streambuf* mPrevious;
-};
-
-class TempDir {
-public:
-    TempDir()
-    {
-        char pattern[] = "/tmp/logtest.XXXXXX";
-        const char* made = mkdtemp(pattern);
-        mPath = made != nullptr ? made : "/tmp";
-    }
-    ~TempDir() { std::system(("rm -rf '" + mPath + "'").c_str()); }
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-    const std::string& path() const { return mPath; }
-    std::string file(const std::string& name) const { return mPath + "/" + name; }
-
-    std::string write(const std::string& name, const std::string& content) const
-    {
-        std::ofstream out(file(name), std::ios::binary);
-        out << content;
-        return file(name);
-    }
-
-private:
-    std::string mPath;
 };
 
 inline std::string ReadWholeFile(const std::string& path)

@@ -15,8 +15,8 @@ TEST(LogThreads, ConcurrentLoggingAndReloadsLoseNothing)
 {
     constexpr int kThreads = 8;
     constexpr int kLines = 60;
-    TempDir dir;
-    const std::string conf = dir.write("log.conf", "process debug\ngui debug\n");
+    CTempDir dir;
+    const std::string conf = dir.WriteFile("log.conf", "process debug\ngui debug\n");
     CoutCapture capture;
     {
         CLog log;

@@ -1,42 +1,13 @@
-#include <cstdlib>
-#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "CScopedEnv.h"
 #include "Locations.h"
 
 using Morvane::GetFolder;
 using Morvane::GetLocation;
 using Morvane::Location;
-
-namespace {
-
-// Sets or unsets HOME for one test and puts the old value back.
-class CHomeOverride {
-public:
-    explicit CHomeOverride(const char* value)
-    {
-        if (const char* old = std::getenv("HOME"))
-            mOld = old;
-        if (value != nullptr)
-            setenv("HOME", value, 1);
-        else
-            unsetenv("HOME");
-    }
-    ~CHomeOverride()
-    {
-        if (mOld)
-            setenv("HOME", mOld->c_str(), 1);
-        else
-            unsetenv("HOME");
-    }
-
-private:
-    std::optional<std::string> mOld;
-};
-
-}  // namespace
 
 TEST(GetFolder, DropsLastComponentAndTrailingSeparators)
 {
@@ -49,31 +20,29 @@ TEST(GetFolder, DropsLastComponentAndTrailingSeparators)
         EXPECT_EQ(GetFolder(noFolder), "") << "input: " << noFolder;
 }
 
-TEST(GetLocation, ExpandsTildeFromHome)
+// The tilde is expanded from HOME, and kept when HOME is unset; fixed
+// folders never depend on it.
+TEST(GetLocation, TildeFollowsHome)
 {
-    CHomeOverride home("/Users/x");
-    std::string path;
-    ASSERT_TRUE(GetLocation(Morvane::LocationHome, path));
-    EXPECT_EQ(path, "/Users/x/");
-    ASSERT_TRUE(GetLocation(Morvane::LocationDesktop, path));
-    EXPECT_EQ(path, "/Users/x/Desktop/");
-    ASSERT_TRUE(GetLocation(Morvane::LocationDownloads, path));
-    EXPECT_EQ(path, "/Users/x/Downloads/");
-    // Fixed folders are not touched by HOME.
-    ASSERT_TRUE(GetLocation(Morvane::LocationProgramData, path));
-    EXPECT_EQ(path, "/Library/");
-    ASSERT_TRUE(GetLocation(Morvane::LocationRoot, path));
-    EXPECT_EQ(path, "/");
-}
-
-TEST(GetLocation, KeepsTildeWithoutHome)
-{
-    CHomeOverride home(nullptr);
-    std::string path;
-    ASSERT_TRUE(GetLocation(Morvane::LocationHome, path));
-    EXPECT_EQ(path, "~/");
-    ASSERT_TRUE(GetLocation(Morvane::LocationDesktop, path));
-    EXPECT_EQ(path, "~/Desktop/");
+    const struct {
+        const char* home;
+        Location location;
+        const char* expected;
+    } cases[] = {
+        {"/Users/x", Morvane::LocationHome, "/Users/x/"},
+        {"/Users/x", Morvane::LocationDesktop, "/Users/x/Desktop/"},
+        {"/Users/x", Morvane::LocationDownloads, "/Users/x/Downloads/"},
+        {"/Users/x", Morvane::LocationProgramData, "/Library/"},
+        {"/Users/x", Morvane::LocationRoot, "/"},
+        {nullptr, Morvane::LocationHome, "~/"},
+        {nullptr, Morvane::LocationDesktop, "~/Desktop/"},
+    };
+    for (const auto& c : cases) {
+        TestSupport::CScopedEnv home("HOME", c.home);
+        std::string path;
+        ASSERT_TRUE(GetLocation(c.location, path)) << c.expected;
+        EXPECT_EQ(path, c.expected);
+    }
 }
 
 TEST(GetLocation, ReservedAndUnknownValues)

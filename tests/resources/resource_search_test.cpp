@@ -139,11 +139,6 @@ protected:
     static inline bool sProgramDataWritable = false;
 };
 
-TEST_F(ResourceSearch, ModuleKnowsItsOwnPath)
-{
-    EXPECT_EQ(std::string(sProbe.dyLibPath()), sEntries[0] + sName + ".so");
-}
-
 TEST_F(ResourceSearch, FolderListFollowsSearchOrder)
 {
     std::string expected;

@@ -4,10 +4,10 @@
 #include <string>
 
 #include <dlfcn.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include "CTempDir.h"
 #include "sharedobject/SharedObject.h"
 
 namespace fs = std::filesystem;
@@ -19,18 +19,6 @@ namespace {
 // never leaks from one test to the next: the loader keys objects by file.
 class SharedObjectTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/aaxw-sharedobject-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        mTmp = pattern;
-    }
-    void TearDown() override
-    {
-        std::error_code error;
-        fs::remove_all(mTmp, error);
-    }
-
     std::string Place(const char* module, const std::string& relative)
     {
         const fs::path target = fs::path(mTmp) / relative;
@@ -39,7 +27,8 @@ protected:
         return target.string();
     }
 
-    std::string mTmp;
+    const TestSupport::CTempDir mDir{"aaxw-sharedobject"};
+    const std::string mTmp = mDir.Path();
 };
 
 template <typename F>
@@ -69,20 +58,6 @@ std::string StopCapture()
 }
 
 }  // namespace
-
-TEST_F(SharedObjectTest, BundleFromPlainLibraryFile)
-{
-    const std::string lib = Place(PLAIN_MODULE, "plain.so");
-    SharedObject so;
-    ASSERT_TRUE(so.OpenBundle(lib)) << so.lastError;
-    EXPECT_TRUE(so.isBundle);
-
-    testing::internal::CaptureStdout();
-    std::function<int()> answer = so.GetFunction<int()>("so_answer", true);
-    EXPECT_EQ(StopCapture(), "Bundle Entry not found\n");
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer(), 7);
-}
 
 TEST_F(SharedObjectTest, BundleFolderLayouts)
 {
@@ -180,11 +155,19 @@ TEST_F(SharedObjectTest, RefusingModuleEntryReleasesTheBundle)
     EXPECT_EQ(loader.GetFunction<int()>("so_exit_count", false)(), 0);
 }
 
-TEST_F(SharedObjectTest, MissingSymbolInBothModes)
+// A plain library file is a bundle too, one without a module entry.
+TEST_F(SharedObjectTest, PlainLibraryAsBundleAndMissingSymbolsInBothModes)
 {
     const std::string lib = Place(PLAIN_MODULE, "plain.so");
     SharedObject bundle;
-    ASSERT_TRUE(bundle.OpenBundle(lib));
+    ASSERT_TRUE(bundle.OpenBundle(lib)) << bundle.lastError;
+    EXPECT_TRUE(bundle.isBundle);
+    testing::internal::CaptureStdout();
+    std::function<int()> answer = bundle.GetFunction<int()>("so_answer", true);
+    EXPECT_EQ(StopCapture(), "Bundle Entry not found\n");
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer(), 7);
+
     testing::internal::CaptureStdout();
     EXPECT_FALSE(bundle.GetFunction<int()>("no_such_symbol", false));
     EXPECT_EQ(StopCapture(), "Function not found no_such_symbol\n");

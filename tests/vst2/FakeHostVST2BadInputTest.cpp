@@ -113,7 +113,7 @@ TEST(FakeHostVST2BadInput, ParameterIndexOutOfRangeIsReportedAndStillAsked)
 
 TEST(FakeHostVST2BadInput, EditorWithoutRectangleKeepsTheSize)
 {
-    setenv("VST2PROBE_NO_RECT", "1", 1);
+    const CScopedEnv noRect("VST2PROBE_NO_RECT", "1");
     CProbeRecord record;
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
     CTestViewContainer view;
@@ -125,16 +125,14 @@ TEST(FakeHostVST2BadInput, EditorWithoutRectangleKeepsTheSize)
     EXPECT_EQ(height, 4.0f);
     hosted.host->TimerWakeup();
     EXPECT_TRUE(view.mSizes.empty());
-    unsetenv("VST2PROBE_NO_RECT");
 }
 
 TEST(FakeHostVST2BadInput, PluginWithMoreOutputsThanTheHostIsSilencedNotOverrun)
 {
-    setenv("VST2PROBE_OUTPUTS", "40", 1);
+    const CScopedEnv outputs("VST2PROBE_OUTPUTS", "40");
     CProbeRecord record;
     CLogCapture log({"fakehost"});
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
-    unsetenv("VST2PROBE_OUTPUTS");
     EXPECT_TRUE(log.Contains("40 outputs"));
     CTestContext ctx(32);
     ctx.FillOutputs(0.5f);

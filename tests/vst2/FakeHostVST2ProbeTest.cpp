@@ -30,13 +30,6 @@ protected:
                 out.push_back(line);
         return out;
     }
-    static size_t IndexOf(const std::vector<std::string>& lines, const std::string& start, size_t from = 0)
-    {
-        for (size_t i = from; i < lines.size(); ++i)
-            if (lines[i].compare(0, start.size(), start) == 0)
-                return i;
-        return lines.size();
-    }
 
     CProbeRecord record;
     std::unique_ptr<HostedPlugin> hosted;
@@ -343,15 +336,12 @@ TEST_F(ProbeHost, StateCarriesTheBankChunkWithTheMargin)
 
 TEST_F(ProbeHost, LargeChunksRoundTrip)
 {
-    setenv("VST2PROBE_CHUNK_PAD", "100000", 1);
+    const CScopedEnv pad("VST2PROBE_CHUNK_PAD", "100000");  // read by the probe's getChunk only
     unsigned int size = 0;
     Host().GetState(&size, nullptr);
-    unsetenv("VST2PROBE_CHUNK_PAD");
     ASSERT_EQ(size, 100020u + CFakeHostVST2::kStateMargin);
-    setenv("VST2PROBE_CHUNK_PAD", "100000", 1);
     std::vector<unsigned char> state(size);
     Host().GetState(&size, state.data());
-    unsetenv("VST2PROBE_CHUNK_PAD");
     EXPECT_EQ(state[100019], static_cast<unsigned char>(100019 & 0xFF));
     Host().SetState(size, state.data());
     EXPECT_EQ(record.LinesStartingWith("setChunk").size(), 1u);

@@ -91,15 +91,6 @@ TEST(Tavrion, RendersDeterministicallyWithStemsPerMidiChannel)
         ASSERT_NEAR(a[0][i], a[2][i] + a[8][i], 1e-6f) << i;
 }
 
-TEST(Tavrion, ParametersShapeTheSound)
-{
-    const std::vector<AAX_CMidiPacket> note = {MidiPacket(0, {0x90, 57, 127})};
-    HostedPlugin loud(TavrionPath());
-    HostedPlugin quiet(TavrionPath());
-    quiet.host->AddInputChangeForProcessing(0, 0.1);  // Volume
-    EXPECT_GT(Peak(Render(*loud.host, note, 8)[0]), 5.0f * Peak(Render(*quiet.host, note, 8)[0]));
-}
-
 TEST(Tavrion, BankChunkRoundTripsThroughAFreshInstance)
 {
     HostedPlugin source(TavrionPath());

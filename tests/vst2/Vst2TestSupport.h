@@ -9,6 +9,7 @@
 #include "AaxHostDoubles.h"
 #include "CLogCapture.h"
 #include "CPluginRecordFile.h"
+#include "CScopedEnv.h"
 #include "CTempDir.h"
 #include "CTestContext.h"
 #include "CTestOwner.h"

@@ -49,37 +49,3 @@ TEST(Vst3EndToEnd, RenderMatchesTheInstrumentDrivenDirectly)
     EXPECT_EQ(MaxDifference(channels[1], right), 0.0);
     EXPECT_GT(Peak(channels[0]), 0.05);
 }
-
-TEST(Vst3EndToEnd, SavedStateRestoresTheSameSound)
-{
-    const std::string dir = TempDir("vst3_e2e_state");
-    const std::string midi = dir + "/notes.mid";
-    WriteMidiFile(midi, {{0.0, 1.0, 64, 110}});
-    const std::string state = dir + "/state.bin";
-
-    auto args = RenderArgs(midi, dir + "/set.wav");
-    args.insert(args.end(), {"--set", "0=0.25", "--set", "3=0.5714285714", "--save-state", state});
-    SRunResult run = RunHost(args);
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-
-    args = RenderArgs(midi, dir + "/loaded.wav");
-    args.insert(args.end(), {"--load-state", state});
-    run = RunHost(args);
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-
-    run = RunHost(RenderArgs(midi, dir + "/default.wav"));
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-
-    const auto set = ReadWavChannels(dir + "/set.wav");
-    const auto loaded = ReadWavChannels(dir + "/loaded.wav");
-    const auto plain = ReadWavChannels(dir + "/default.wav");
-    ASSERT_FALSE(set.empty());
-    EXPECT_EQ(MaxDifference(set[0], loaded[0]), 0.0);
-    EXPECT_GT(MaxDifference(set[0], plain[0]), 0.01);
-}
-
-TEST(Vst3EndToEnd, EditorOpensAndCloses)
-{
-    const SRunResult run = RunHost({"gui", kBundle, "--ticks", "3", "--json"});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-}

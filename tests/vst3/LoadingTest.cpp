@@ -209,15 +209,14 @@ TEST(Vst3LoadingFailure, FactoryRefusingCreation)
 {
     CTrace trace;
     CLogCapture log;
-    setenv("MRV_VST3_FAULT", "create", 1);
     {
+        const CScopedEnv fault("MRV_VST3_FAULT", "create");
         CHostedPlugin plugin("MrvTestEffect");
         ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
         EXPECT_EQ(plugin.Loader().getProcessor(), nullptr);
         EXPECT_EQ(plugin.mHost->GetPluginVendor(), "Morvane Test");
         ExpectNeutral(*plugin.mHost, true);
     }
-    unsetenv("MRV_VST3_FAULT");
     EXPECT_EQ(trace.LinesStartingWith("factory.createInstance refused").size(), 1u);
     EXPECT_TRUE(log.Contains("processor creation failed"));
 }
@@ -226,8 +225,8 @@ TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
 {
     CTrace trace;
     CLogCapture log;
-    setenv("MRV_VST3_FAULT", "controllerinit", 1);
     {
+        const CScopedEnv fault("MRV_VST3_FAULT", "controllerinit");
         CHostedPlugin plugin("MrvTestEffect");
         ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
         EXPECT_FALSE(plugin.Loader().areConnected());
@@ -241,7 +240,6 @@ TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
         unsigned int size = 0;
         plugin.mHost->GetState(&size, nullptr);
     }
-    unsetenv("MRV_VST3_FAULT");
     EXPECT_EQ(trace.LinesStartingWith("effectctrl.initialize refused").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("effectctrl.terminate").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("effect.terminate").size(), 1u);
@@ -250,25 +248,18 @@ TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
 
 TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
 {
-    namespace fs = std::filesystem;
     const CTempDir temp;
-    const fs::path dir = temp.Path();
-    const fs::path script = dir / "fake_validator.sh";
-    const fs::path report = dir / "report.txt";
+    const std::string report = temp.File("report.txt");
+    const std::string script = temp.WriteFile("fake_validator.sh", "#!/bin/sh\necho \"$0|$1|$#\" > '" + report + "'\n");
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     {
-        std::ofstream out(script);
-        out << "#!/bin/sh\necho \"$0|$1|$#\" > '" << report.string() << "'\n";
-    }
-    fs::permissions(script, fs::perms::owner_all);
-    setenv("VST3_VALIDATOR", script.c_str(), 1);
-    {
+        const CScopedEnv validator("VST3_VALIDATOR", script.c_str());
         CLogCapture log;  // "bundle" at debug
         CHostedPlugin plugin("MrvTestEffect");
         EXPECT_TRUE(log.Contains("VST3 validator exit status 0"));
     }
-    unsetenv("VST3_VALIDATOR");
     std::ifstream in(report);
     std::string line;
     std::getline(in, line);
-    EXPECT_EQ(line, script.string() + "|" + BundlePath("MrvTestEffect") + "|1");
+    EXPECT_EQ(line, script + "|" + BundlePath("MrvTestEffect") + "|1");
 }
