@@ -10,7 +10,6 @@
 #include "vst2/CFakeHostVST2.h"
 
 namespace {
-constexpr double kAAXTicksPerQuarter = 960000.0;
 // 1/127, truncated so that only a full velocity gives 1.
 constexpr double kVelocityScale = 0.007874016;
 }  // namespace
@@ -72,7 +71,7 @@ void CFakeHostVST2::RefreshTimeInfo(S_Alg_Context* context)
 
     int64_t ticks = 0;
     transport->GetCurrentTickPosition(&ticks);
-    timeInfo.ppqPos = static_cast<double>(ticks) / kAAXTicksPerQuarter;
+    timeInfo.ppqPos = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
 
     bool playing = false;
     transport->IsTransportPlaying(&playing);

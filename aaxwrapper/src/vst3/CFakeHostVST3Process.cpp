@@ -14,7 +14,6 @@ using namespace Steinberg::Vst;
 namespace {
 constexpr float kOneOver127 = 1.0f / 127.0f;
 constexpr double kOneOver16383 = 1.0 / 16383.0;
-constexpr double kTicksPerQuarter = 960000.0;
 }  // namespace
 
 void CFakeHostVST3::Process(S_Alg_Context* context)
@@ -40,7 +39,7 @@ void CFakeHostVST3::Process(S_Alg_Context* context)
             }
             int64_t ticks = 0;
             if (transport->GetCurrentTickPosition(&ticks) == AAX_SUCCESS)
-                pc->projectTimeMusic = static_cast<double>(ticks) / kTicksPerQuarter;
+                pc->projectTimeMusic = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
             int64_t samplePosition = 0;
             if (transport->GetCurrentNativeSampleLocation(&samplePosition) == AAX_SUCCESS)
                 pc->projectTimeSamples = samplePosition;
@@ -67,13 +66,15 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
     IEditController* controller = loader.getController();
     const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
 
-    // Adds one point for a mapped controller value, then mirrors it to the
-    // controller so that its editor follows.
-    auto sendMappedValue = [&](int32 parameter, double value, uint32_t timestamp) {
+    // Adds one point to this block's input changes, then mirrors the value to
+    // the controller so that its editor follows. Only controller messages
+    // report the point in the log.
+    auto sendValue = [&](int32 parameter, double value, uint32_t timestamp, bool logPoint) {
         int32 queueIndex = 0;
         if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
-                   " - value ", value, " timestamp ", timestamp);
+            if (logPoint)
+                MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
+                       " - value ", value, " timestamp ", timestamp);
             int32 pointIndex = 0;
             queue->addPoint(static_cast<int32>(timestamp), value, pointIndex);
         }
@@ -143,7 +144,7 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
                 MV_LOG("midi", kLogWarning, "CHandleMidi::PushInputMidiEvents Param not define");
                 break;
             }
-            sendMappedValue(parameter, data2 * static_cast<double>(kOneOver127), packet.mTimestamp);
+            sendValue(parameter, data2 * static_cast<double>(kOneOver127), packet.mTimestamp, true);
             break;
         }
         case 0xC0: {
@@ -161,12 +162,7 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
             // Straight into this block's input changes rather than through the
             // main thread's transfer queues, whose single writer is the main
             // thread: the processor sees the same point in the same block.
-            int32 queueIndex = 0;
-            if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
-                int32 pointIndex = 0;
-                queue->addPoint(static_cast<int32>(packet.mTimestamp), value, pointIndex);
-            }
-            controller->setParamNormalized(static_cast<ParamID>(parameter), value);
+            sendValue(parameter, value, packet.mTimestamp, false);
             break;
         }
         case 0xD0: {
@@ -176,7 +172,7 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
             const int32 parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kAfterTouchEntry];
             if (parameter == -1)
                 break;
-            sendMappedValue(parameter, (data1 & 0x7F) * static_cast<double>(kOneOver127), packet.mTimestamp);
+            sendValue(parameter, (data1 & 0x7F) * static_cast<double>(kOneOver127), packet.mTimestamp, false);
             break;
         }
         case 0xE0: {
@@ -187,7 +183,7 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
             if (parameter == -1)
                 break;
             const double value = ((data2 & 0x7F) * 128 + (data1 & 0x7F)) * kOneOver16383;
-            sendMappedValue(parameter, value, packet.mTimestamp);
+            sendValue(parameter, value, packet.mTimestamp, false);
             break;
         }
         default:
