@@ -10,24 +10,7 @@ using namespace AAXHostTest;
 using nlohmann::json;
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string BrokenBundle(int mode)
-{
-    return std::string(AAXHOST_BUNDLE_DIR) + "/Broken" + std::to_string(mode) + ".aaxplugin";
-}
-
-void ExpectFailure(const SRunResult& r, const std::string& messagePart)
-{
-    EXPECT_NE(r.exitCode, 0);
-    EXPECT_LT(r.exitCode, 128) << "crashed: " << r.err;
-    EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
-    EXPECT_NE(r.err.find(messagePart), std::string::npos) << r.err;
-}
-
-}  // namespace
-
-TEST(Describe, DefaultBundleJsonHasTheWholeDescriptionInRegistrationOrder)
+TEST(Describe, DefaultBundleHasTheWholeDescriptionInRegistrationOrderAsJsonAndText)
 {
     const SRunResult r = RunHost({"describe", AAXHOST_DEFAULT_BUNDLE, "--json"});
     ASSERT_EQ(r.exitCode, 0) << r.err;
@@ -89,49 +72,48 @@ TEST(Describe, DefaultBundleJsonHasTheWholeDescriptionInRegistrationOrder)
         {11, 0x4D72766E}, {12, 0x54765632}, {60, 1}, {151, 0}, {51, 0x10002}, {52, 0x10002}, {13, 0x54765632}, {58, 0x7FFFFFFF}};
     EXPECT_EQ(props, expectedProps);
     EXPECT_EQ(proc["properties"][0]["fourcc"], "Mrvn");
-}
 
-TEST(Describe, TextFormNamesEveryPart)
-{
-    const SRunResult r = RunHost({"describe", AAXHOST_DEFAULT_BUNDLE});
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const SRunResult text = RunHost({"describe", AAXHOST_DEFAULT_BUNDLE});
+    ASSERT_EQ(text.exitCode, 0) << text.err;
     for (const char* part : {"Effect com.morvane.aax.tavrionv2", "[8] AddPrivateData data_size=8",
                              "[2] LocalInput \"Tavrion V2\" mask=0xFFFF", "\"OutputStem_15\" format=0x00010002",
                              "Property PlugInID_Native (13) = 1417041458 'TvV2'", "1 Create_EffectGUI",
                              "ACFCanUnloadNow: 0"})
-        EXPECT_NE(r.out.find(part), std::string::npos) << part;
+        EXPECT_NE(text.out.find(part), std::string::npos) << part;
 }
 
-TEST(Describe, LoadingFailuresExitWithAClearMessage)
+TEST(Describe, LoadingAndPluginFailuresExitWithAClearMessage)
 {
     const std::string dir = TempDir("describe-failures");
-
-    ExpectFailure(RunHost({"describe", dir + "/Nowhere.aaxplugin"}), "bundle not found");
-
     fs::create_directories(dir + "/Empty.aaxplugin/Contents/x86_64-linux");
-    ExpectFailure(RunHost({"describe", dir + "/Empty.aaxplugin"}), "no plug-in library in bundle");
-
     const std::string garbage = dir + "/Garbage.aaxplugin/Contents/x86_64-linux";
     fs::create_directories(garbage);
     std::ofstream(garbage + "/Garbage.so") << "not an ELF file";
-    ExpectFailure(RunHost({"describe", dir + "/Garbage.aaxplugin"}), "cannot load");
-
     // A real library that is not an AAX plug-in.
     const std::string vst = dir + "/NotAAX.aaxplugin/Contents/x86_64-linux";
     fs::create_directories(vst);
     fs::copy_file("/usr/lib/vst/Kars-vst.so", vst + "/NotAAX.so", fs::copy_options::overwrite_existing);
-    ExpectFailure(RunHost({"describe", dir + "/NotAAX.aaxplugin"}), "missing entry point(s) ACFRegisterPlugin");
-}
-
-TEST(Describe, PluginFailuresExitWithAClearMessage)
-{
-    ExpectFailure(RunHost({"describe", BrokenBundle(1)}), "ACFRegisterPlugin failed with -20004");
-    ExpectFailure(RunHost({"describe", BrokenBundle(2), "--json"}), "registered no effect");
-    ExpectFailure(RunHost({"describe", BrokenBundle(3)}), "ACFStartup failed");
-    const SRunResult leaking = RunHost({"describe", BrokenBundle(4), "--json"});
-    ExpectFailure(leaking, "ACFCanUnloadNow answered 2");
-    ExpectFailure(RunHost({"render", BrokenBundle(2), "--out", TempDir("describe-failures") + "/x.wav"}),
-                  "registered no effect");
+    const auto broken = [](int mode) {
+        return std::string(AAXHOST_BUNDLE_DIR) + "/Broken" + std::to_string(mode) + ".aaxplugin";
+    };
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"describe", dir + "/Nowhere.aaxplugin"}, "bundle not found"},
+        {{"describe", dir + "/Empty.aaxplugin"}, "no plug-in library in bundle"},
+        {{"describe", dir + "/Garbage.aaxplugin"}, "cannot load"},
+        {{"describe", dir + "/NotAAX.aaxplugin"}, "missing entry point(s) ACFRegisterPlugin"},
+        {{"describe", broken(1)}, "ACFRegisterPlugin failed with -20004"},
+        {{"describe", broken(2), "--json"}, "registered no effect"},
+        {{"describe", broken(3)}, "ACFStartup failed"},
+        {{"describe", broken(4), "--json"}, "ACFCanUnloadNow answered 2"},
+        {{"render", broken(2), "--out", dir + "/x.wav"}, "registered no effect"},
+    };
+    for (const auto& c : cases) {
+        const SRunResult r = RunHost(c.first);
+        EXPECT_NE(r.exitCode, 0) << c.second;
+        EXPECT_LT(r.exitCode, 128) << "crashed: " << r.err;
+        EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
+        EXPECT_NE(r.err.find(c.second), std::string::npos) << r.err;
+    }
 }
 
 TEST(Params, ListsTheBypassAndEveryWrappedParameterWithItsValue)

@@ -12,14 +12,8 @@ namespace AAXHostTest {
 
 namespace {
 
-struct SDirectHost {
-    VstTimeInfo timeInfo{};
-    bool opened = false;
-};
-
 VstIntPtr HostCallback(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr, void* ptr, float)
 {
-    SDirectHost* host = effect ? static_cast<SDirectHost*>(effect->user) : nullptr;
     switch (opcode) {
     case audioMasterVersion: return kVstVersion;
     case audioMasterIdle: return 1;
@@ -27,7 +21,7 @@ VstIntPtr HostCallback(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr, vo
         if (ptr)
             std::strcpy(static_cast<char*>(ptr), "aaxhost direct");
         return 1;
-    case audioMasterGetTime: return host ? reinterpret_cast<VstIntPtr>(&host->timeInfo) : 0;
+    case audioMasterGetTime: return effect ? reinterpret_cast<VstIntPtr>(effect->user) : 0;  // our VstTimeInfo
     default: return 0;
     }
 }
@@ -45,17 +39,13 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
     auto entry = reinterpret_cast<VstPluginMainProc>(dlsym(lib, "VSTPluginMain"));
     if (!entry)
         entry = reinterpret_cast<VstPluginMainProc>(dlsym(lib, "main"));
-    if (!entry) {
-        error = "no VST 2 entry point in " + config.libraryPath;
-        return false;
-    }
-    SDirectHost host;
-    AEffect* effect = entry(HostCallback);
+    AEffect* effect = entry ? entry(HostCallback) : nullptr;
     if (!effect) {
-        error = "the entry point made no effect";
+        error = "no VST 2 effect from " + config.libraryPath;
         return false;
     }
-    effect->user = &host;
+    VstTimeInfo time{};
+    effect->user = &time;
     auto dispatch = [effect](VstInt32 op, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
         return effect->dispatcher(effect, op, index, value, ptr, opt);
     };
@@ -63,12 +53,6 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
     dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
     dispatch(effSetProgram, 0, 0, nullptr, 0.0f);
 
-    result.numParams = effect->numParams;
-    for (int i = 0; i < effect->numParams; ++i) {
-        char name[256] = {};
-        dispatch(effGetParamName, i, 0, name, 0.0f);
-        result.parameterNames.emplace_back(name);
-    }
     for (const auto& p : config.parametersAtStart)
         effect->setParameter(effect, p.first, p.second);
     if (!config.chunkAtStart.empty()) {
@@ -80,7 +64,7 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
     }
 
     // As the wrapper does on its first buffer: suspend, set the rate, resume.
-    host.timeInfo.sampleRate = config.sampleRate;
+    time.sampleRate = config.sampleRate;
     dispatch(effMainsChanged, 0, 0, nullptr, 0.0f);
     dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(config.sampleRate));
     dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
@@ -99,7 +83,7 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
     auto* events = reinterpret_cast<VstEvents*>(eventsStorage.data());
 
     for (const AAXHost::SBlock& b : AAXHost::PlanBlocks(config.totalSamples, config.blockSize)) {
-        VstTimeInfo& t = host.timeInfo;
+        VstTimeInfo& t = time;
         t.flags = kVstPpqPosValid | kVstTempoValid | kVstTimeSigValid | kVstTransportPlaying;
         t.samplePos = static_cast<double>(b.start);
         t.tempo = config.tempo;
@@ -111,31 +95,26 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
         size_t first = 0, count = 0;
         schedule.EventsInBlock(b.start, b.frames, first, count);
         count = std::min<size_t>(count, midi.size());
-        if (count) {
-            events->numEvents = static_cast<VstInt32>(count);
-            events->reserved = 0;
-            for (size_t i = 0; i < count; ++i) {
-                const AAXHost::SMidiEvent& e = schedule.Events()[first + i];
-                VstMidiEvent& m = midi[i];
-                m = VstMidiEvent{};
-                m.type = kVstMidiType;
-                m.byteSize = sizeof(VstMidiEvent);
-                m.deltaFrames = static_cast<VstInt32>(e.sample - b.start);
-                for (int k = 0; k < 4; ++k)
-                    m.midiData[k] = static_cast<char>(e.data[k]);
-                events->events[i] = reinterpret_cast<VstEvent*>(&m);
-            }
+        events->numEvents = static_cast<VstInt32>(count);
+        for (size_t i = 0; i < count; ++i) {
+            const AAXHost::SMidiEvent& e = schedule.Events()[first + i];
+            VstMidiEvent& m = midi[i];
+            m = VstMidiEvent{};
+            m.type = kVstMidiType;
+            m.byteSize = sizeof(VstMidiEvent);
+            m.deltaFrames = static_cast<VstInt32>(e.sample - b.start);
+            for (int k = 0; k < 4; ++k)
+                m.midiData[k] = static_cast<char>(e.data[k]);
+            events->events[i] = reinterpret_cast<VstEvent*>(&m);
             if (config.oneEventPerCall) {
-                for (size_t i = 0; i < count; ++i) {
-                    VstEvents one{};
-                    one.numEvents = 1;
-                    one.events[0] = reinterpret_cast<VstEvent*>(&midi[i]);
-                    dispatch(effProcessEvents, 0, 0, &one, 0.0f);
-                }
-            } else {
-                dispatch(effProcessEvents, 0, 0, events, 0.0f);
+                VstEvents one{};
+                one.numEvents = 1;
+                one.events[0] = events->events[i];
+                dispatch(effProcessEvents, 0, 0, &one, 0.0f);
             }
         }
+        if (count && !config.oneEventPerCall)
+            dispatch(effProcessEvents, 0, 0, events, 0.0f);
         for (int c = 0; c < 32; ++c)
             for (int s = 0; s < b.frames; ++s)
                 in[static_cast<size_t>(c)][static_cast<size_t>(s)] =

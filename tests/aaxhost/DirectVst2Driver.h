@@ -26,8 +26,6 @@ struct SDirectRenderConfig {
 
 struct SDirectRenderResult {
     std::vector<std::vector<float>> outputs;  // per channel, totalSamples each
-    int numParams = 0;
-    std::vector<std::string> parameterNames;
     std::vector<char> chunkAtEnd;  // effGetChunk (bank) after the render
 };
 

@@ -1,12 +1,14 @@
 #include "HostRunFiles.h"
 
+#include <smf.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,12 +16,38 @@ namespace AAXHostTest {
 
 namespace fs = std::filesystem;
 
+namespace {
+
 std::string ShellQuote(const std::string& s)
 {
     std::string q = "'";
     for (char c : s)
         q += (c == '\'') ? std::string("'\\''") : std::string(1, c);
     return q + "'";
+}
+
+}  // namespace
+
+nlohmann::json SRunResult::Json() const { return nlohmann::json::parse(out, nullptr, false); }
+
+SRunResult RunHostIn(const std::string& workRoot, const std::vector<std::string>& args,
+                     const std::vector<std::string>& env)
+{
+    static int counter = 0;
+    const std::string base = TestFolder(workRoot, "run") + "/" + std::to_string(counter++);
+    std::string cmd = "env";
+    for (const auto& e : env)
+        cmd += " " + ShellQuote(e);
+    cmd += " " + ShellQuote(AAXHOST_EXE);
+    for (const auto& a : args)
+        cmd += " " + ShellQuote(a);
+    cmd += " >" + ShellQuote(base + ".out") + " 2>" + ShellQuote(base + ".err") + " </dev/null";
+    const int status = std::system(cmd.c_str());
+    SRunResult r;
+    r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + (WIFSIGNALED(status) ? WTERMSIG(status) : 0);
+    r.out = ReadWholeFile(base + ".out");
+    r.err = ReadWholeFile(base + ".err");
+    return r;
 }
 
 std::string ReadWholeFile(const std::string& path)
@@ -53,6 +81,24 @@ std::string TestFolder(const std::string& root, const std::string& name)
     }
     fs::create_directories(dir);
     return key;
+}
+
+void WriteMidiEvents(const std::string& path, std::vector<SBeatEvent> events)
+{
+    smf_t* smf = smf_new();
+    if (smf_set_ppqn(smf, 480) != 0)
+        ADD_FAILURE() << "smf_set_ppqn failed";
+    smf_track_t* track = smf_track_new();
+    smf_add_track(smf, track);
+    // libsmf wants events added in time order.
+    std::stable_sort(events.begin(), events.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (auto& e : events) {
+        smf_event_t* event = smf_event_new_from_pointer(e.second.data(), static_cast<int>(e.second.size()));
+        smf_track_add_event_pulses(track, event, static_cast<int>(std::lround(e.first * 480)));
+    }
+    if (smf_save(smf, path.c_str()) != 0)
+        ADD_FAILURE() << "cannot write " << path;
+    smf_delete(smf);
 }
 
 }  // namespace AAXHostTest

@@ -43,11 +43,7 @@ const SPluginCase kCases[] = {
     {"MVerb", "/usr/lib/vst/MVerb-vst.so", 7, 0.1, true, kSampleRateFault, nullptr},     // Mix
 };
 
-bool Strict()
-{
-    const char* v = std::getenv("AAXHOST_STRICT");
-    return v && std::string(v) == "1";
-}
+bool Strict() { return std::getenv("AAXHOST_STRICT") && std::string(std::getenv("AAXHOST_STRICT")) == "1"; }
 
 constexpr double kRate = 44100.0;
 constexpr int kBlock = 300;  // not a power of two, so events straddle odd boundaries
@@ -95,7 +91,6 @@ protected:
         config.libraryPath = GetParam().library;
         config.sampleRate = kRate;
         config.blockSize = kBlock;
-        config.tempo = 120.0;
         config.totalSamples = static_cast<int64_t>(kSeconds * kRate);
         config.testInput = GetParam().needsInput;
         config.parametersAtStart = std::move(parameters);
@@ -125,17 +120,13 @@ TEST_P(WrappedPlugin, RenderIsSampleIdenticalToDirectVst2)
 {
     const auto wrapped = RenderWrapped("wrapped.wav", {});
     ExpectSameStereo(wrapped, RenderDirectly({}).outputs);
-}
-
-TEST_P(WrappedPlugin, RenderIsSampleIdenticalToAHostSendingOneEventListPerBuffer)
-{
+    // A host that sends one event list per buffer must hear the same.
     if (GetParam().knownDeliveryFault && !Strict())
         GTEST_SKIP() << "known wrapper fault: " << GetParam().knownDeliveryFault;
-    const auto wrapped = RenderWrapped("wrapped-list.wav", {});
     ExpectSameStereo(wrapped, RenderDirectly({}, {}, true).outputs);
 }
 
-TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAndSavedStateRestoresIt)
+TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAsDirectlyAndSavedStateRestoresIt)
 {
     const SPluginCase& c = GetParam();
     const std::string state = mDir + "/changed.state";
@@ -151,6 +142,7 @@ TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAndSavedStateRestoresIt)
     // same library given its own chunk directly.
     const auto restored = RenderWrapped("restored.wav", {"--load-state", state});
     const SDirectRenderResult changedDirect = RenderDirectly({{c.parameter, static_cast<float>(c.value)}});
+    ExpectSameStereo(changed, changedDirect.outputs);  // the change reached the plug-in as it would directly
     ASSERT_FALSE(changedDirect.chunkAtEnd.empty()) << "the plug-in gave no chunk";
     const SDirectRenderResult restoredDirect = RenderDirectly({}, changedDirect.chunkAtEnd);
     ExpectSameStereo(restored, restoredDirect.outputs);
@@ -159,15 +151,6 @@ TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAndSavedStateRestoresIt)
         EXPECT_EQ(MaxDifference(restored[0], changed[0]), 0.0);
         EXPECT_EQ(MaxDifference(restored[1], changed[1]), 0.0);
     }
-}
-
-TEST_P(WrappedPlugin, ParameterChangeMatchesTheSameChangeMadeDirectly)
-{
-    const SPluginCase& c = GetParam();
-    const auto changed =
-        RenderWrapped("changed-direct.wav", {"--set", std::to_string(c.parameter) + "=" + std::to_string(c.value)});
-    const SDirectRenderResult direct = RenderDirectly({{c.parameter, static_cast<float>(c.value)}});
-    ExpectSameStereo(changed, direct.outputs);
 }
 
 INSTANTIATE_TEST_SUITE_P(Plugins, WrappedPlugin, ::testing::ValuesIn(kCases),

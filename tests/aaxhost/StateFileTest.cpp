@@ -24,7 +24,7 @@ std::vector<SStateChunk> TwoChunks()
 
 }  // namespace
 
-TEST(StateFile, RoundTripKeepsEveryChunkAndField)
+TEST(StateFile, RoundTripKeepsEveryChunkAndFieldAndMayBeEmpty)
 {
     const auto bytes = SerializeState(TwoChunks());
     std::vector<SStateChunk> back;
@@ -36,6 +36,9 @@ TEST(StateFile, RoundTripKeepsEveryChunkAndField)
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(back[0].name)), "parameters");
     EXPECT_EQ(back[0].data, TwoChunks()[0].data);
     EXPECT_EQ(back[1].data.size(), 300u);
+    const auto empty = SerializeState({});
+    EXPECT_TRUE(ParseState(empty.data(), empty.size(), back, error)) << error;
+    EXPECT_TRUE(back.empty());
 }
 
 TEST(StateFile, EveryTruncationIsRefused)
@@ -52,43 +55,30 @@ TEST(StateFile, EveryTruncationIsRefused)
 
 TEST(StateFile, MalformedHeadersAndTrailingBytesAreRefused)
 {
-    std::string error;
-    std::vector<SStateChunk> chunks;
-    auto bytes = SerializeState(TwoChunks());
-
-    auto wrongMagic = bytes;
-    wrongMagic[0] = 'B';
-    EXPECT_FALSE(ParseState(wrongMagic.data(), wrongMagic.size(), chunks, error));
-
-    auto wrongVersion = bytes;
-    wrongVersion[8] = 2;
-    EXPECT_FALSE(ParseState(wrongVersion.data(), wrongVersion.size(), chunks, error));
-    EXPECT_NE(error.find("version"), std::string::npos);
-
-    auto hugeCount = bytes;
-    hugeCount[12] = hugeCount[13] = hugeCount[14] = hugeCount[15] = 0xFF;
-    EXPECT_FALSE(ParseState(hugeCount.data(), hugeCount.size(), chunks, error));
-
-    // A data size that points past the end must not be followed.
-    auto hugeSize = bytes;
+    const auto good = SerializeState(TwoChunks());
     const size_t firstSize = 16 + 4 + 4 + 32;
-    hugeSize[firstSize + 3] = 0x7F;
-    EXPECT_FALSE(ParseState(hugeSize.data(), hugeSize.size(), chunks, error));
-    EXPECT_NE(error.find("truncated"), std::string::npos);
-
-    auto trailing = bytes;
-    trailing.push_back(0);
-    EXPECT_FALSE(ParseState(trailing.data(), trailing.size(), chunks, error));
-    EXPECT_TRUE(chunks.empty());
-
-    EXPECT_FALSE(ParseState(nullptr, 0, chunks, error));
-}
-
-TEST(StateFile, EmptyStateIsValid)
-{
-    const auto bytes = SerializeState({});
+    struct SCase {
+        const char* what;
+        void (*spoil)(std::vector<uint8_t>&);
+    };
+    const SCase cases[] = {
+        {"magic", [](std::vector<uint8_t>& b) { b[0] = 'B'; }},
+        {"version", [](std::vector<uint8_t>& b) { b[8] = 2; }},
+        {"count", [](std::vector<uint8_t>& b) { b[12] = b[13] = b[14] = b[15] = 0xFF; }},
+        // A data size that points past the end must not be followed.
+        {"truncated", [](std::vector<uint8_t>& b) { b[firstSize + 3] = 0x7F; }},
+        {"trailing", [](std::vector<uint8_t>& b) { b.push_back(0); }},
+    };
+    for (const SCase& c : cases) {
+        auto bytes = good;
+        c.spoil(bytes);
+        std::vector<SStateChunk> chunks;
+        std::string error;
+        EXPECT_FALSE(ParseState(bytes.data(), bytes.size(), chunks, error)) << c.what;
+        EXPECT_TRUE(chunks.empty()) << c.what;
+        EXPECT_FALSE(error.empty()) << c.what;
+    }
     std::vector<SStateChunk> chunks;
     std::string error;
-    EXPECT_TRUE(ParseState(bytes.data(), bytes.size(), chunks, error)) << error;
-    EXPECT_TRUE(chunks.empty());
+    EXPECT_FALSE(ParseState(nullptr, 0, chunks, error));
 }

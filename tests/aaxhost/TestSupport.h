@@ -2,35 +2,29 @@
 // MIDI files, reading WAV output.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "HostRunFiles.h"
+
 namespace AAXHostTest {
 
-struct SRunResult {
-    int exitCode = -1;
-    std::string out;
-    std::string err;
-    nlohmann::json Json() const;  // stdout parsed; null when it is not JSON
-};
-
-// Runs aaxhost with these arguments (each quoted for the shell).
-SRunResult RunHost(const std::vector<std::string>& args);
+inline SRunResult RunHost(const std::vector<std::string>& args, const std::vector<std::string>& env = {})
+{
+    return RunHostIn(AAXHOST_TEST_WORK_DIR, args, env);
+}
 
 // A fresh, empty folder for one test's files.
-std::string TempDir(const std::string& name);
+inline std::string TempDir(const std::string& name) { return TestFolder(AAXHOST_TEST_WORK_DIR, name); }
 
 struct SNote {
-    double beat;       // start, in quarter notes
-    double length;     // in quarter notes
+    double beat;    // start, in quarter notes
+    double length;  // in quarter notes
     int key;
     int velocity;
 };
-// A one-track SMF at 480 ticks per quarter (no tempo event: 120 BPM).
-// Extra raw channel messages can be placed at given beats.
-void WriteMidiFile(const std::string& path, const std::vector<SNote>& notes,
-                   const std::vector<std::pair<double, std::vector<unsigned char>>>& extra = {});
+// Notes, plus extra raw channel messages at given beats.
+void WriteMidiFile(const std::string& path, const std::vector<SNote>& notes, std::vector<SBeatEvent> extra = {});
 
 // A short phrase with notes off the block grid, overlapping chords, a
 // controller and a pitch bend.

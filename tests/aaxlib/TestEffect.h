@@ -15,38 +15,35 @@ class TestEffect : public AAX_CEffectParameters {
 public:
     static AAX_CEffectParameters* Create() { return new TestEffect; }
 
-    bool withBypass = true;
     bool withPreview = false;
     AAX_Result initResult = AAX_SUCCESS;
 
-    AAX_CParameterManager& Manager() { return mParameterManager; }
     AAX_CPacketDispatcher& Dispatcher() { return mPacketDispatcher; }
-    const std::set<std::string>& LeftOut() const { return mFilteredParameters; }
 
 protected:
     AAX_Result EffectInit() override
     {
-        if (withBypass) {
-            mParameterManager.AddParameter(new AAX_CParameter<bool>(
-                cDefaultMasterBypassID, AAX_CString("Master Bypass"), false, AAX_CBinaryTaperDelegate<bool>(),
-                AAX_CBinaryDisplayDelegate<bool>("bypass", "on"), true));
-            mPacketDispatcher.RegisterPacket(cDefaultMasterBypassID, 0);
-        }
-        mParameterManager.AddParameter(new AAX_CParameter<float>("0", AAX_CString("Volume"), 0.5f,
-                                                                 AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
-                                                                 AAX_CNumberDisplayDelegate<float, 2, 0>(), true));
-        mParameterManager.AddParameter(new AAX_CParameter<float>("1", AAX_CString("Cutoff"), 20.0f,
-                                                                 AAX_CLinearTaperDelegate<float, 0>(20.0f, 20000.0f),
-                                                                 AAX_CNumberDisplayDelegate<float, 2, 0>(), true));
-        mParameterManager.AddParameter(new AAX_CParameter<bool>("2", AAX_CString("Mono"), true,
-                                                                AAX_CBinaryTaperDelegate<bool>(),
-                                                                AAX_CBinaryDisplayDelegate<bool>("Off", "On"), true));
-        if (withPreview)
-            mParameterManager.AddParameter(new AAX_CParameter<bool>(cPreviewID, AAX_CString("Preview"), false,
-                                                                    AAX_CBinaryTaperDelegate<bool>(),
-                                                                    AAX_CBinaryDisplayDelegate<bool>("Off", "On")));
+        AddSwitch(cDefaultMasterBypassID, "Master Bypass", false, "bypass", "on");
+        mPacketDispatcher.RegisterPacket(cDefaultMasterBypassID, 0);
+        AddFloat("0", "Volume", 0.5f, 0.0f, 1.0f);
+        AddFloat("1", "Cutoff", 20.0f, 20.0f, 20000.0f);
+        AddSwitch("2", "Mono", true, "Off", "On");
+        if (withPreview) AddSwitch(cPreviewID, "Preview", false, "Off", "On", false);
         mPacketDispatcher.RegisterPacket("0", 1);
         return initResult;
+    }
+
+private:
+    void AddFloat(const char* id, const char* name, float def, float lo, float hi)
+    {
+        mParameterManager.AddParameter(new AAX_CParameter<float>(id, AAX_CString(name), def,
+                                                                 AAX_CLinearTaperDelegate<float, 0>(lo, hi),
+                                                                 AAX_CNumberDisplayDelegate<float, 2, 0>(), true));
+    }
+    void AddSwitch(const char* id, const char* name, bool def, const char* off, const char* on, bool automatable = true)
+    {
+        mParameterManager.AddParameter(new AAX_CParameter<bool>(id, AAX_CString(name), def, AAX_CBinaryTaperDelegate<bool>(),
+                                                                AAX_CBinaryDisplayDelegate<bool>(off, on), automatable));
     }
 };
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 #include "AAX_CBinaryDisplayDelegate.h"
@@ -16,18 +17,11 @@ using aaxlib_test::HostController;
 namespace {
 
 using FloatParam = AAX_CParameter<float>;
-using BoolParam = AAX_CParameter<bool>;
 
-FloatParam* MakeFloat(const char* id, float def = 0.5f, float lo = 0.0f, float hi = 1.0f)
+FloatParam* MakeFloat(const char* id, float def = 0.5f)
 {
-    return new FloatParam(id, AAX_CString(id), def, AAX_CLinearTaperDelegate<float, 0>(lo, hi),
+    return new FloatParam(id, AAX_CString(id), def, AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
                           AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
-}
-
-BoolParam* MakeBool(const char* id, bool def = false)
-{
-    return new BoolParam(id, AAX_CString(id), def, AAX_CBinaryTaperDelegate<bool>(),
-                         AAX_CBinaryDisplayDelegate<bool>("Off", "On"), true);
 }
 
 // A host automation object seen through the library's own proxy.
@@ -38,7 +32,7 @@ struct AutomationFixture : ::testing::Test {
 
 }  // namespace
 
-TEST(Tapers, LinearMapsClampsAndRoundTrips)
+TEST(Tapers, OutOfRangeValuesClampAndPrecisionSnaps)
 {
     AAX_CLinearTaperDelegate<float, 0> taper(20.0f, 20000.0f);
     EXPECT_FLOAT_EQ(10010.0f, taper.NormalizedToReal(0.5));
@@ -46,159 +40,72 @@ TEST(Tapers, LinearMapsClampsAndRoundTrips)
     EXPECT_FLOAT_EQ(20.0f, taper.NormalizedToReal(-3.0));
     EXPECT_DOUBLE_EQ(1.0, taper.RealToNormalized(30000.0f));
     EXPECT_DOUBLE_EQ(0.0, taper.RealToNormalized(10.0f));
-    EXPECT_FLOAT_EQ(20.0f, taper.GetMinimumValue());
-    std::unique_ptr<AAX_ITaperDelegate<float>> clone(taper.Clone());
-    EXPECT_FLOAT_EQ(20000.0f, clone->GetMaximumValue());
+    EXPECT_FLOAT_EQ(1.2f, (AAX_CLinearTaperDelegate<float, 10>(0.0f, 10.0f).NormalizedToReal(0.123)));
 
-    // A precision snaps real values.
-    AAX_CLinearTaperDelegate<float, 10> coarse(0.0f, 10.0f);
-    EXPECT_FLOAT_EQ(1.2f, coarse.NormalizedToReal(0.123));
+    // A switch is on for any positive value.
+    AAX_CBinaryTaperDelegate<bool> binary;
+    EXPECT_TRUE(binary.NormalizedToReal(0.0001));
+    EXPECT_FALSE(binary.NormalizedToReal(0.0));
+    EXPECT_FALSE(binary.NormalizedToReal(-0.5));
 }
 
-TEST(Tapers, BinaryIsTrueForAnyPositiveValue)
+TEST(Displays, ShorteningParsingAndExactTexts)
 {
-    AAX_CBinaryTaperDelegate<bool> taper;
-    EXPECT_TRUE(taper.NormalizedToReal(0.0001));
-    EXPECT_FALSE(taper.NormalizedToReal(0.0));
-    EXPECT_FALSE(taper.NormalizedToReal(-0.5));
-    EXPECT_EQ(1.0, taper.RealToNormalized(true));
-    EXPECT_EQ(0.0, taper.RealToNormalized(false));
-}
-
-TEST(Displays, NumberFormatsParsesAndShortens)
-{
-    AAX_CNumberDisplayDelegate<float, 2, 0> display;
+    AAX_CNumberDisplayDelegate<float, 2, 0> number;
     AAX_CString text;
-    EXPECT_TRUE(display.ValueToString(3.14159f, &text));
+    EXPECT_TRUE(number.ValueToString(3.14159f, &text));
     EXPECT_EQ("3.14", text.StdString());
-    EXPECT_TRUE(display.ValueToString(1234.567f, 5, &text));
-    EXPECT_LE(text.Length(), 5u);
+    EXPECT_TRUE(number.ValueToString(1234.567f, 5, &text));
     EXPECT_EQ("1235", text.StdString());
-    EXPECT_TRUE(display.ValueToString(123456.0f, 3, &text));
+    EXPECT_TRUE(number.ValueToString(123456.0f, 3, &text));
     EXPECT_EQ(3u, text.Length());
-
     float v = 9.0f;
-    EXPECT_TRUE(display.StringToValue(AAX_CString("-2.5"), &v));
+    EXPECT_TRUE(number.StringToValue(AAX_CString("-2.5"), &v));
     EXPECT_FLOAT_EQ(-2.5f, v);
-    EXPECT_FALSE(display.StringToValue(AAX_CString("loud"), &v));
+    EXPECT_FALSE(number.StringToValue(AAX_CString("loud"), &v));
     EXPECT_EQ(0.0f, v);
-    EXPECT_FALSE(display.StringToValue(AAX_CString(""), &v));
-}
+    EXPECT_FALSE(number.StringToValue(AAX_CString(""), &v));
 
-TEST(Displays, BinaryUsesExactTexts)
-{
-    AAX_CBinaryDisplayDelegate<bool> display("Off", "On");
-    AAX_CString text;
-    EXPECT_TRUE(display.ValueToString(true, &text));
-    EXPECT_EQ("On", text.StdString());
+    AAX_CBinaryDisplayDelegate<bool> binary("Off", "On");
     bool b = false;
-    EXPECT_TRUE(display.StringToValue(AAX_CString("On"), &b));
-    EXPECT_TRUE(b);
-    EXPECT_TRUE(display.StringToValue(AAX_CString("Off"), &b));
-    EXPECT_FALSE(b);
+    EXPECT_TRUE(binary.StringToValue(AAX_CString("On"), &b) && b);
+    EXPECT_TRUE(binary.StringToValue(AAX_CString("Off"), &b) && !b);
     b = true;
-    EXPECT_FALSE(display.StringToValue(AAX_CString("on"), &b));
+    EXPECT_FALSE(binary.StringToValue(AAX_CString("on"), &b));  // case matters
     EXPECT_FALSE(b);
-}
 
-TEST(Parameter, ConstructionCutsIdentifierAndSetsDefaults)
-{
-    const std::string longID(40, 'x');
-    std::unique_ptr<FloatParam> p(MakeFloat(longID.c_str()));
-    EXPECT_EQ(std::string(31, 'x'), p->Identifier());
-    EXPECT_EQ(128u, p->GetNumberOfSteps());
-    EXPECT_EQ(AAX_eParameterType_Continuous, p->GetType());
-    EXPECT_FLOAT_EQ(0.5f, p->GetValue());
-    EXPECT_DOUBLE_EQ(0.5, p->GetNormalizedDefaultValue());
-    EXPECT_FALSE(p->NeedNotify());
-}
-
-TEST(Parameter, OnlyTheMatchingTypedAccessorSucceeds)
-{
-    std::unique_ptr<FloatParam> f(MakeFloat("f", 0.25f));
-    std::unique_ptr<BoolParam> b(MakeBool("b", true));
-    float fv = 0;
-    bool bv = false;
-    int32_t iv = 0;
-    double dv = 0;
-    AAX_CString sv;
-    EXPECT_TRUE(f->GetValueAsFloat(&fv));
-    EXPECT_FLOAT_EQ(0.25f, fv);
-    EXPECT_FALSE(f->GetValueAsBool(&bv));
-    EXPECT_FALSE(f->GetValueAsInt32(&iv));
-    EXPECT_FALSE(f->GetValueAsDouble(&dv));
-    EXPECT_FALSE(f->GetValueAsString(&sv));
-    EXPECT_FALSE(f->SetValueWithBool(true));
-    EXPECT_TRUE(b->GetValueAsBool(&bv));
-    EXPECT_TRUE(bv);
-    EXPECT_FALSE(b->GetValueAsFloat(&fv));
-    EXPECT_TRUE(b->SetValueWithBool(false));
-    EXPECT_FALSE(b->GetValue());
-}
-
-TEST(Parameter, ValueStringsGoThroughTheDisplay)
-{
-    std::unique_ptr<FloatParam> p(MakeFloat("g", 10.0f, 0.0f, 100.0f));
-    AAX_CString text;
-    EXPECT_TRUE(p->GetValueString(&text));
-    EXPECT_EQ("10.00", text.StdString());
-    EXPECT_TRUE(p->GetStringFromNormalizedValue(0.5, text));
-    EXPECT_EQ("50.00", text.StdString());
-    double n = 0;
-    EXPECT_TRUE(p->GetNormalizedValueFromString(AAX_CString("25"), &n));
-    EXPECT_DOUBLE_EQ(0.25, n);
-    EXPECT_TRUE(p->SetValueFromString(AAX_CString("75")));
-    EXPECT_FLOAT_EQ(75.0f, p->GetValue());
+    // A parameter refuses a text its display cannot read and keeps its value.
+    std::unique_ptr<FloatParam> p(MakeFloat("g", 0.25f));
     EXPECT_FALSE(p->SetValueFromString(AAX_CString("abc")));
-    EXPECT_FLOAT_EQ(75.0f, p->GetValue());
-}
-
-TEST(Parameter, ShortenedNamePicksTheBestFit)
-{
-    AAX_CParameter<float> p("c", AAX_CString("Cutoff Frequency"), 0.0f, AAX_CLinearTaperDelegate<float, 0>(),
-                            AAX_CNumberDisplayDelegate<float, 2, 0>());
-    p.AddShortenedName(AAX_CString("Cutoff"));
-    p.AddShortenedName(AAX_CString("Cut"));
-    EXPECT_EQ("Cutoff Frequency", p.ShortenedName(20).StdString());
-    EXPECT_EQ("Cutoff", p.ShortenedName(8).StdString());
-    EXPECT_EQ("Cut", p.ShortenedName(4).StdString());
-    EXPECT_EQ("Cut", p.ShortenedName(1).StdString());
+    EXPECT_FLOAT_EQ(0.25f, p->GetValue());
+    // Identifiers longer than the host's 31 characters are cut.
+    std::unique_ptr<FloatParam> longID(MakeFloat(std::string(40, 'x').c_str()));
+    EXPECT_EQ(std::string(31, 'x'), longID->Identifier());
 }
 
 TEST_F(AutomationFixture, UpdatesReportOnlyRealChanges)
 {
     std::unique_ptr<FloatParam> p(MakeFloat("1"));
     p->SetAutomationDelegate(&automation);
-    EXPECT_EQ(std::vector<std::string>{"1"}, host.registered);
-
     p->UpdateNormalizedValue(0.75);
     p->UpdateNormalizedValue(0.75);
     ASSERT_EQ(1u, host.currentValues.size());
     EXPECT_DOUBLE_EQ(0.75, host.currentValues[0].second);
-    EXPECT_FLOAT_EQ(0.75f, p->GetValue());
-
     // Values clamped to the same real value are no change either.
     p->UpdateNormalizedValue(1.0);
     p->UpdateNormalizedValue(1.2);
     EXPECT_EQ(2u, host.currentValues.size());
 }
 
-TEST_F(AutomationFixture, RequestsGoThroughTheHostAndAreTapered)
+TEST_F(AutomationFixture, RequestsAreClampedAndWaitForTheHost)
 {
     std::unique_ptr<FloatParam> p(MakeFloat("7"));
     p->SetAutomationDelegate(&automation);
     p->SetNormalizedValue(1.7);
-    // Touch, request (clamped), release; the value waits for the host.
     EXPECT_EQ((std::vector<std::string>{"touch 7", "set 7", "release 7"}), host.events);
     ASSERT_EQ(1u, host.setRequests.size());
     EXPECT_DOUBLE_EQ(1.0, host.setRequests[0].second);
     EXPECT_FLOAT_EQ(0.5f, p->GetValue());
-    EXPECT_TRUE(host.currentValues.empty());
-
-    // Without automation the request takes effect at once.
-    p->SetAutomationDelegate(nullptr);
-    p->SetNormalizedValue(0.2);
-    EXPECT_FLOAT_EQ(0.2f, p->GetValue());
 }
 
 TEST_F(AutomationFixture, ManagerKeepsTheFirstOfDuplicateIdentifiers)
@@ -214,21 +121,16 @@ TEST_F(AutomationFixture, ManagerKeepsTheFirstOfDuplicateIdentifiers)
 
     EXPECT_EQ(2, manager.NumParameters());
     EXPECT_EQ(first, manager.GetParameterByID("a"));
-    EXPECT_EQ(first, manager.GetParameter(0));
     EXPECT_EQ(nullptr, manager.GetParameter(2));
     EXPECT_EQ(nullptr, manager.GetParameter(-1));
-    EXPECT_EQ(0, manager.ControlIndexFromID("a"));
-    EXPECT_EQ(1, manager.ControlIndexFromID("b"));
-    EXPECT_EQ(-1, manager.ControlIndexFromID("c"));
     EXPECT_EQ(-1, manager.ControlIndexFromID(nullptr));
     EXPECT_EQ(nullptr, manager.GetParameterByID("c"));
-    // Only the accepted ones were attached to the host's automation.
+    // Only the accepted ones were attached to the host's automation; the
+    // refused object is still usable by whoever holds it.
     EXPECT_EQ((std::vector<std::string>{"a", "b"}), host.registered);
-    // The refused object is still usable by whoever holds it.
     EXPECT_FLOAT_EQ(0.9f, duplicate->GetValue());
 
     manager.RemoveParameterByID("a");
-    EXPECT_EQ(1, manager.NumParameters());
     EXPECT_EQ(0, manager.ControlIndexFromID("b"));
     EXPECT_EQ(nullptr, manager.GetParameterByID("a"));
 }

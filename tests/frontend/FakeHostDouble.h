@@ -17,18 +17,13 @@ struct FakeHostScript {
     bool failAssertions = false;      // Init and GetParameterCount throw, as a debug-configured assert does
     size_t throwAtCall = 0;           // Process call number (1-based) that throws; 0: never
     std::vector<char> state{'s', 't', 'a', 't', 'e'};
-    float viewWidth = 640.0f;
-    float viewHeight = 480.0f;
-    std::string pathSeen;
     std::vector<std::string> processedBy;  // names of doubles whose Process ran
 };
 
 class FakeHostDouble : public IFakeHost {
 public:
     FakeHostDouble(AAX_CEffectParameters& owner, std::shared_ptr<FakeHostScript> script, std::string name = "host")
-        : IFakeHost(owner), mScript(std::move(script)), mName(std::move(name))
-    {
-    }
+        : IFakeHost(owner), mScript(std::move(script)), mName(std::move(name)) {}
     ~FakeHostDouble() override { Log("~FakeHostDouble"); }
 
     void Init() override
@@ -62,26 +57,12 @@ public:
         if (mScript->processedBy.size() == mScript->throwAtCall)
             throw Morvane::CException("plug-in failed in " + mName);
     }
-    void AddInputChangeForProcessing(int index, double value) override
-    {
-        Log("Processing " + std::to_string(index) + " " + std::to_string(value));
-    }
-    void AddInputChangeForGUI(int index, double value) override
-    {
-        Log("GUI " + std::to_string(index) + " " + std::to_string(value));
-    }
-    void QuitGUI() override { Log("QuitGUI"); }
-    void CreateGUI(AAX_IViewContainer*) override { Log("CreateGUI"); }
-    void GetViewSize(float& outWidth, float& outHeight) override
-    {
-        outWidth = mScript->viewWidth;
-        outHeight = mScript->viewHeight;
-    }
-    int32_t TimerWakeup() override
-    {
-        Log("TimerWakeup");
-        return 0;
-    }
+    void AddInputChangeForProcessing(int i, double v) override { Log("Processing " + Change(i, v)); }
+    void AddInputChangeForGUI(int i, double v) override { Log("GUI " + Change(i, v)); }
+    void QuitGUI() override {}
+    void CreateGUI(AAX_IViewContainer*) override {}
+    void GetViewSize(float& outWidth, float& outHeight) override { outWidth = outHeight = 100.0f; }
+    int32_t TimerWakeup() override { return 0; }
     void GetState(unsigned int* outSize, void* outpData) override
     {
         Log(outpData == nullptr ? "GetState size" : "GetState data");
@@ -98,6 +79,7 @@ public:
 
 private:
     void Log(const std::string& entry) { mScript->journal.push_back(entry); }
+    static std::string Change(int index, double value) { return std::to_string(index) + " " + std::to_string(value); }
 
     std::shared_ptr<FakeHostScript> mScript;
     std::string mName;

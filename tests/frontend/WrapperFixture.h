@@ -30,12 +30,9 @@ protected:
     FakeHostScript& Script() { return *sScript; }
     void WithoutHost() { sNoHost = true; }
 
-    static IFakeHost* MakeHost(AAX_CEffectParameters& owner, std::string& path)
+    static IFakeHost* MakeHost(AAX_CEffectParameters& owner, std::string&)
     {
-        sScript->pathSeen = path;
-        if (sNoHost)
-            return nullptr;
-        return new FakeHostDouble(owner, sScript);
+        return sNoHost ? nullptr : new FakeHostDouble(owner, sScript);
     }
 
     std::unique_ptr<TestSupport::CLogCapture> mLog;

@@ -6,11 +6,9 @@
 #include <new>
 
 #include "LogTestSupport.h"
-#include "logger/CLog.h"
 
-namespace {
-thread_local long tAllocations = 0;
-}
+// Per thread: the writer thread's printing may allocate, the caller's may not.
+static thread_local long tAllocations = 0;
 
 void* operator new(std::size_t size)
 {
@@ -25,9 +23,8 @@ void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 TEST(LogAllocations, FilteredAndRecordedLinesDoNotAllocate)
 {
     CTempDir dir;
-    const std::string conf = dir.WriteFile("log.conf", "process info\n");
     CoutCapture capture;
-    CSingleton<CLog>::getInstance()->reloadConf(conf);
+    CSingleton<CLog>::getInstance()->reloadConf(dir.WriteFile("log.conf", "process info\n"));
     const std::string name = "osc";
     // The first recorded line of a thread sets up its formatting memory.
     MV_LOG("process", kLogInfo, "warm up");

@@ -1,15 +1,15 @@
 // Ring buffers and writer thread, driven directly. A long writer period keeps
 // the writer asleep after its first pass, so ring positions are deterministic.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <chrono>
 #include <cstring>
-#include <sstream>
 #include <thread>
-#include <vector>
 
 #include "LogTestSupport.h"
 #include "logger/CLogBuffers.h"
+
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace {
 
@@ -17,9 +17,7 @@ constexpr std::chrono::milliseconds kAsleep(60000);
 
 std::string AddressOf(const CLogBuffers& buffers)
 {
-    std::ostringstream text;
-    text << static_cast<const void*>(&buffers);
-    return text.str();
+    return (std::ostringstream() << static_cast<const void*>(&buffers)).str();
 }
 
 void Write(CLogBuffers& buffers, const std::string& text)
@@ -37,65 +35,45 @@ void StartAndSettle(CLogBuffers& buffers)
         std::this_thread::yield();
 }
 
-std::string Pattern(size_t length)
-{
-    std::string text(length, ' ');
-    for (size_t i = 0; i < length; ++i)
-        text[i] = static_cast<char>('a' + (i * 7 + i / 26) % 26);
-    return text;
-}
-
 }  // namespace
 
-TEST(LogBuffers, LongLineWrapsAroundTheRingAndComesOutInOrder)
+// A 9,999-byte line after 5,000 drained bytes wraps around the ring; an
+// exactly full ring lets the next line start at the ring's start.
+TEST(LogBuffers, WrapAroundAndExactlyFullRing)
 {
     CoutCapture capture;
-    const std::string first(5000, '1');
-    const std::string wrapped = Pattern(9999);
+    std::string wrapped(9999, ' ');
+    for (size_t i = 0; i < wrapped.size(); ++i)
+        wrapped[i] = static_cast<char>('a' + (i * 7 + i / 26) % 26);
+    std::string blocks;
     {
         CLogBuffers buffers(kAsleep);
-        Write(buffers, first);
+        Write(buffers, std::string(5000, '1'));
         buffers.StopWorkingThread();
-        EXPECT_EQ(buffers.GetRing(0).mReadPos.load(), 5000);
-
         Write(buffers, wrapped);
         EXPECT_EQ(buffers.GetRing(0).mWritePos.load(), 4999);
         const char* ring = buffers.GetRingData(0);
         EXPECT_EQ(0, std::memcmp(ring + 5000, wrapped.data(), 5000));
         EXPECT_EQ(0, std::memcmp(ring, wrapped.data() + 5000, 4999));
     }
-    const std::string text = capture.text();
-    EXPECT_NE(text.find(first), std::string::npos);
-    EXPECT_NE(text.find(wrapped), std::string::npos);
-    EXPECT_EQ(text.find(" [WRITE]"), std::string::npos);
-}
-
-TEST(LogBuffers, ExactlyFullRingThenNextLineStartsAtRingStart)
-{
-    CoutCapture capture;
-    std::string blocks;
     {
         CLogBuffers buffers(kAsleep);
         for (char c : {'A', 'B', 'C', 'D'}) {
-            const std::string block(2500, c);
-            Write(buffers, block);
-            blocks += block;
+            Write(buffers, std::string(2500, c));
+            blocks += std::string(2500, c);
         }
         // Every line of one thread lands in the same, lowest ring.
         EXPECT_EQ(buffers.GetRing(0).mWritePos.load(), 10000);
         EXPECT_FALSE(buffers.GetRing(1).mInUse.load());
-
         buffers.StopWorkingThread();
-        EXPECT_EQ(buffers.GetRing(0).mReadPos.load(), 10000);
         Write(buffers, "tail line\n");
         EXPECT_EQ(buffers.GetRing(0).mWritePos.load(), 10);
-        EXPECT_EQ(0, std::memcmp(buffers.GetRingData(0), "tail line\n", 10));
     }
     const std::string text = capture.text();
-    const size_t at = text.find(blocks);
-    ASSERT_NE(at, std::string::npos);
-    EXPECT_NE(text.find("tail line\n", at + blocks.size()), std::string::npos);
-    EXPECT_EQ(text.find(" [WRITE]"), std::string::npos);
+    const size_t full = text.find(blocks, text.find(wrapped));
+    ASSERT_NE(full, std::string::npos);
+    EXPECT_NE(text.find("tail line\n", full + blocks.size()), std::string::npos);
+    EXPECT_THAT(text, Not(HasSubstr(" [WRITE]")));
 }
 
 TEST(LogBuffers, OverrunWarnsAndKeepsOnlyTheNewestText)
@@ -113,12 +91,11 @@ TEST(LogBuffers, OverrunWarnsAndKeepsOnlyTheNewestText)
         EXPECT_EQ(buffers.GetRing(0).mWritePos.load(), 2000);
     }
     const std::string text = capture.text();
-    EXPECT_NE(text.find(" [WRITE] Writing too fast, no time to read ! Msg: " + newer + "\n"), std::string::npos);
+    EXPECT_THAT(text, HasSubstr(" [WRITE] Writing too fast, no time to read ! Msg: " + newer + "\n"));
     // The reader still stood at 0: it gets the 2,000 wrapped bytes, the rest is lost.
-    const std::string drained = "LOG - STOP THREAD asked " + address + "\n" + std::string(2000, 'y') +
-                                "LOG FLUSH DONE " + address + "\n";
-    EXPECT_NE(text.find(drained), std::string::npos);
-    EXPECT_EQ(text.find(older), std::string::npos);
+    EXPECT_THAT(text, HasSubstr("LOG - STOP THREAD asked " + address + "\n" + std::string(2000, 'y') +
+                                "LOG FLUSH DONE " + address + "\n"));
+    EXPECT_THAT(text, Not(HasSubstr(older)));
 }
 
 TEST(LogBuffers, TwentyFirstThreadWritesSynchronouslyEvenAfterOthersEnded)
@@ -130,7 +107,6 @@ TEST(LogBuffers, TwentyFirstThreadWritesSynchronouslyEvenAfterOthersEnded)
             std::thread([&buffers, i] { Write(buffers, "owner " + std::to_string(i) + "\n"); }).join();
         for (int i = 0; i < CLogBuffers::kRingCount; ++i)
             EXPECT_TRUE(buffers.GetRing(i).mInUse.load()) << i;
-
         std::thread([&buffers] {
             Write(buffers, "late one\n");
             Write(buffers, "late two\n");
@@ -140,12 +116,14 @@ TEST(LogBuffers, TwentyFirstThreadWritesSynchronouslyEvenAfterOthersEnded)
     const std::string text = capture.text();
     const std::string warning = "WARNING : TOO MANY THREADS ARE WORKING TOGETHER- LOG CAN BE CORRUPTED.\n";
     EXPECT_EQ(CountOccurrences(text, warning), 3u);
-    EXPECT_NE(text.find(warning + "late one\n\n" + warning + "late two\n\n"), std::string::npos);
-    EXPECT_NE(text.find(warning + "main thread\n\n"), std::string::npos);
+    EXPECT_THAT(text, HasSubstr(warning + "late one\n\n" + warning + "late two\n\n"));
+    EXPECT_THAT(text, HasSubstr(warning + "main thread\n\n"));
     for (int i = 0; i < CLogBuffers::kRingCount; ++i)
         EXPECT_EQ(CountOccurrences(text, "owner " + std::to_string(i) + "\n"), 1u) << i;
 }
 
+// Empty and null data is ignored; a stop drains and prints the flush marks;
+// the next start brings the writer back.
 TEST(LogBuffers, StopFlushesThenNextLineRestartsTheWriter)
 {
     CoutCapture capture;
@@ -153,12 +131,15 @@ TEST(LogBuffers, StopFlushesThenNextLineRestartsTheWriter)
     {
         CLogBuffers buffers(kAsleep);
         address = AddressOf(buffers);
+        buffers.WriteDataInBuffer(nullptr, 10);
+        buffers.WriteDataInBuffer("abc", 0);
+        buffers.WriteDataInBuffer("abc", -5);
+        EXPECT_FALSE(buffers.GetRing(0).mInUse.load());
         StartAndSettle(buffers);
         Write(buffers, "one\n");
         buffers.StopWorkingThread();
         EXPECT_FALSE(buffers.IsWriterRunning());
         buffers.StopWorkingThread();  // no writer: nothing happens
-
         StartAndSettle(buffers);
         Write(buffers, "two\n");
         EXPECT_TRUE(buffers.IsWriterRunning());
@@ -172,41 +153,17 @@ TEST(LogBuffers, StopFlushesThenNextLineRestartsTheWriter)
 TEST(LogBuffers, DestructionWritesOutEverythingQueued)
 {
     CoutCapture capture;
-    constexpr int kThreads = 3;
-    constexpr int kLines = 40;
+    auto line = [](int t, int i) { return "t" + std::to_string(t) + " line " + std::to_string(i) + "\n"; };
     {
         CLogBuffers buffers(kAsleep);
         std::vector<std::thread> threads;
-        for (int t = 0; t < kThreads; ++t)
-            threads.emplace_back([&buffers, t] {
-                for (int i = 0; i < kLines; ++i)
-                    Write(buffers, "t" + std::to_string(t) + " line " + std::to_string(i) + "\n");
+        for (int t = 0; t < 3; ++t)
+            threads.emplace_back([&buffers, &line, t] {
+                for (int i = 0; i < 40; ++i)
+                    Write(buffers, line(t, i));
             });
         for (auto& thread : threads)
             thread.join();
     }
-    const std::string text = capture.text();
-    for (int t = 0; t < kThreads; ++t) {
-        size_t previous = 0;
-        for (int i = 0; i < kLines; ++i) {
-            const std::string line = "t" + std::to_string(t) + " line " + std::to_string(i) + "\n";
-            const size_t at = text.find(line);
-            ASSERT_NE(at, std::string::npos) << line;
-            EXPECT_GE(at, previous) << line;
-            previous = at;
-        }
-    }
-}
-
-TEST(LogBuffers, IgnoresEmptyAndNullData)
-{
-    CoutCapture capture;
-    {
-        CLogBuffers buffers(kAsleep);
-        buffers.WriteDataInBuffer(nullptr, 10);
-        buffers.WriteDataInBuffer("abc", 0);
-        buffers.WriteDataInBuffer("abc", -5);
-        EXPECT_FALSE(buffers.GetRing(0).mInUse.load());
-    }
-    EXPECT_EQ(capture.text(), "");
+    ExpectEachThreadInOrder(capture.text(), 3, 40, line);
 }

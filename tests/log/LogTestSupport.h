@@ -1,14 +1,17 @@
-// Helpers shared by the log tests: capture of std::cout, reading back what
-// was printed; scratch folders come from the shared test support.
+// Helpers shared by the log tests: capture of std::cout and one CLog under it.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "CTempDir.h"
+#include "logger/CLog.h"
 
 using TestSupport::CTempDir;
 
@@ -18,8 +21,6 @@ class CoutCapture {
 public:
     CoutCapture() : mPrevious(std::cout.rdbuf(mText.rdbuf())) {}
     ~CoutCapture() { std::cout.rdbuf(mPrevious); }
-    CoutCapture(const CoutCapture&) = delete;
-    CoutCapture& operator=(const CoutCapture&) = delete;
     std::string text() const { return mText.str(); }
 
 private:
@@ -27,12 +28,39 @@ private:
     std::streambuf* mPrevious;
 };
 
+// One CLog, with std::cout captured around it.
+struct LogSession {
+    LogSession() = default;
+    explicit LogSession(const std::string& conf) { load(conf); }
+    CLog& log() { return *mLog; }
+    // Loads `conf` from a file; returns what reloadConf printed.
+    std::string load(const std::string& conf)
+    {
+        const size_t before = mCapture.text().size();
+        mLog->reloadConf(mDir.WriteFile("log.conf", conf));
+        return mCapture.text().substr(before);
+    }
+    // The configured level, -1 for a category that is not configured.
+    int levelOf(const char* category) const
+    {
+        ELogLevel level = kLogDebug;
+        return mLog->getCategoryLevel(category, level) ? level : -1;
+    }
+    // Destroys the log (draining it) and returns everything it printed.
+    std::string finish()
+    {
+        mLog.reset();
+        return mCapture.text();
+    }
+
+    CoutCapture mCapture;
+    CTempDir mDir;
+    std::unique_ptr<CLog> mLog = std::make_unique<CLog>();
+};
+
 inline std::string ReadWholeFile(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
 }
 
 inline size_t CountOccurrences(const std::string& text, const std::string& what)
@@ -51,4 +79,23 @@ inline std::vector<std::string> LinesStartingWith(const std::string& text, const
         if (line.compare(0, prefix.size(), prefix) == 0)
             lines.push_back(line);
     return lines;
+}
+
+inline std::string LineBody(const std::string& line)
+{
+    const size_t bar = line.rfind(" | ");
+    return bar == std::string::npos ? std::string() : line.substr(bar + 3);
+}
+
+// Every line(t, i) is there, each thread's lines in their order.
+template <typename Line>
+void ExpectEachThreadInOrder(const std::string& text, int threads, int lines, Line line)
+{
+    for (int t = 0; t < threads; ++t)
+        for (int i = 0, previous = 0; i < lines; ++i) {
+            const size_t at = text.find(line(t, i));
+            ASSERT_NE(at, std::string::npos) << line(t, i);
+            EXPECT_GE(static_cast<int>(at), previous) << line(t, i);
+            previous = static_cast<int>(at);
+        }
 }

@@ -1,6 +1,6 @@
-#include <string>
-
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "CScopedEnv.h"
 #include "Locations.h"
@@ -11,51 +11,33 @@ using Morvane::Location;
 
 TEST(GetFolder, DropsLastComponentAndTrailingSeparators)
 {
-    EXPECT_EQ(GetFolder("/a/b/c"), "/a/b");
-    EXPECT_EQ(GetFolder("/a/b/c//"), "/a/b");
-    EXPECT_EQ(GetFolder("/a/b/"), "/a");
-    EXPECT_EQ(GetFolder("a/b"), "a");
-    EXPECT_EQ(GetFolder("/a/b\\"), "/a");
-    for (const char* noFolder : {"", "/", "///", "file", "/a", "a\\", "\\\\"})
-        EXPECT_EQ(GetFolder(noFolder), "") << "input: " << noFolder;
+    const std::pair<const char*, const char*> cases[] = {
+        {"/a/b/c//", "/a/b"}, {"/a/b/", "/a"}, {"a/b", "a"}, {"/a/b\\", "/a"}, {"", ""}, {"/", ""},
+        {"///", ""},          {"file", ""},    {"/a", ""},   {"a\\", ""},     {"\\\\", ""}};
+    for (const auto& [path, folder] : cases)
+        EXPECT_EQ(GetFolder(path), folder) << "input: " << path;
 }
 
-// The tilde is expanded from HOME, and kept when HOME is unset; fixed
-// folders never depend on it.
-TEST(GetLocation, TildeFollowsHome)
+// The tilde is expanded from HOME and kept when HOME is unset; fixed folders
+// never depend on it; reserved values give an empty path, unknown ones fail.
+TEST(GetLocation, TildeFollowsHomeAndBadValuesFail)
 {
-    const struct {
-        const char* home;
-        Location location;
-        const char* expected;
-    } cases[] = {
-        {"/Users/x", Morvane::LocationHome, "/Users/x/"},
+    const struct { const char* home; Location location; const char* expected; } cases[] = {
         {"/Users/x", Morvane::LocationDesktop, "/Users/x/Desktop/"},
         {"/Users/x", Morvane::LocationDownloads, "/Users/x/Downloads/"},
         {"/Users/x", Morvane::LocationProgramData, "/Library/"},
         {"/Users/x", Morvane::LocationRoot, "/"},
         {nullptr, Morvane::LocationHome, "~/"},
-        {nullptr, Morvane::LocationDesktop, "~/Desktop/"},
-    };
+        {nullptr, Morvane::LocationReserved1, ""},
+        {nullptr, Morvane::LocationReserved2, ""}};
     for (const auto& c : cases) {
         TestSupport::CScopedEnv home("HOME", c.home);
-        std::string path;
+        std::string path = "x";
         ASSERT_TRUE(GetLocation(c.location, path)) << c.expected;
         EXPECT_EQ(path, c.expected);
     }
-}
-
-TEST(GetLocation, ReservedAndUnknownValues)
-{
     std::string path = "untouched";
-    EXPECT_FALSE(GetLocation(static_cast<Location>(7), path));
-    EXPECT_FALSE(GetLocation(static_cast<Location>(-1), path));
-    EXPECT_FALSE(GetLocation(static_cast<Location>(1000), path));
+    for (int bad : {7, -1, 1000})
+        EXPECT_FALSE(GetLocation(static_cast<Location>(bad), path)) << bad;
     EXPECT_EQ(path, "untouched");
-
-    EXPECT_TRUE(GetLocation(Morvane::LocationReserved1, path));
-    EXPECT_EQ(path, "");
-    path = "x";
-    EXPECT_TRUE(GetLocation(Morvane::LocationReserved2, path));
-    EXPECT_EQ(path, "");
 }

@@ -1,32 +1,16 @@
 // A module standing in for the plug-in binary inside a bundle: it carries its
 // own copy of the resource search and lets the tests drive it from outside.
-#include <mutex>
 #include <string>
 
 #include "CSingleton.h"
-#include "Locations.h"
 #include "Resources.h"
 #include "logger/CLog.h"
 
 namespace {
 
-class CCapture : public ILogRecordListener {
-public:
-    void onLogRecorded(const std::string& line) override
-    {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mText += line;
-    }
-    std::string Take()
-    {
-        std::lock_guard<std::mutex> lock(mMutex);
-        std::string text;
-        text.swap(mText);
-        return text;
-    }
-
-private:
-    std::mutex mMutex;
+// Lines are recorded on the calling thread, the test's only one.
+struct CCapture : ILogRecordListener {
+    void onLogRecorded(const std::string& line) override { mText += line; }
     std::string mText;
 };
 
@@ -34,32 +18,23 @@ private:
 CCapture* gCapture = new CCapture();
 std::string gAnswer;
 
-Morvane::Resources& Res()
-{
-    return *CSingleton<Morvane::Resources>::getInstance();
-}
+Morvane::Resources& Res() { return *CSingleton<Morvane::Resources>::getInstance(); }
 
 }  // namespace
 
 #define PROBE_EXPORT extern "C" __attribute__((visibility("default")))
 
-PROBE_EXPORT const char* ProbeDyLibPath()
-{
-    gAnswer = Morvane::GetDyLibFullPath();
-    return gAnswer.c_str();
-}
-
 // Loads `confPath` into this module's log and records every line it keeps.
 PROBE_EXPORT void ProbeStartCapture(const char* confPath)
 {
-    CLog* log = CSingleton<CLog>::getInstance();
-    log->reloadConf(confPath);
-    log->setRecordListener(gCapture);
+    CSingleton<CLog>::getInstance()->reloadConf(confPath);
+    CSingleton<CLog>::getInstance()->setRecordListener(gCapture);
 }
 
 PROBE_EXPORT const char* ProbeTakeCapturedLog()
 {
-    gAnswer = gCapture->Take();
+    gAnswer.swap(gCapture->mText);
+    gCapture->mText.clear();
     return gAnswer.c_str();
 }
 

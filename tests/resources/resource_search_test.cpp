@@ -1,27 +1,21 @@
 // Drives the resource search of a module loaded, as a host would load it,
 // from inside a bundle laid out in a temporary folder.
-#include <cstdlib>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
-#include <dlfcn.h>
-#include <unistd.h>
-
-#include <gtest/gtest.h>
-
 namespace fs = std::filesystem;
 
 namespace {
 
+// One loaded copy of the probe module, driven through its exports.
 struct CProbe {
     void* handle = nullptr;
-    const char* (*dyLibPath)() = nullptr;
-    void (*startCapture)(const char*) = nullptr;
-    const char* (*takeCapturedLog)() = nullptr;
-    const char* (*folders)() = nullptr;
-    const char* (*getAbsolutePath)(const char*, const char*) = nullptr;
 
     // Copies the probe module to <root>/<name>.aaxplugin/Contents/x86_64-linux/<name>.so
     // and opens it through `openPath` (defaults to the copy's path).
@@ -31,45 +25,22 @@ struct CProbe {
         fs::create_directories(exeDir);
         const fs::path exe = exeDir / (name + ".so");
         fs::copy_file(RESOURCES_PROBE_MODULE, exe, fs::copy_options::overwrite_existing);
-        if (openPath.empty())
-            openPath = exe.string();
-        CProbe probe;
-        probe.handle = dlopen(openPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (probe.handle == nullptr) {
+        CProbe probe{dlopen(openPath.empty() ? exe.c_str() : openPath.c_str(), RTLD_NOW | RTLD_LOCAL)};
+        if (probe.handle == nullptr)
             ADD_FAILURE() << dlerror();
-            return probe;
-        }
-        probe.dyLibPath = reinterpret_cast<const char* (*)()>(dlsym(probe.handle, "ProbeDyLibPath"));
-        probe.startCapture = reinterpret_cast<void (*)(const char*)>(dlsym(probe.handle, "ProbeStartCapture"));
-        probe.takeCapturedLog = reinterpret_cast<const char* (*)()>(dlsym(probe.handle, "ProbeTakeCapturedLog"));
-        probe.folders = reinterpret_cast<const char* (*)()>(dlsym(probe.handle, "ProbeFolders"));
-        probe.getAbsolutePath =
-            reinterpret_cast<const char* (*)(const char*, const char*)>(dlsym(probe.handle, "ProbeGetAbsolutePath"));
         return probe;
     }
-
+    template <typename F>
+    F* Fn(const char* name) const { return reinterpret_cast<F*>(dlsym(handle, name)); }
+    std::string Text(const char* function) const { return Fn<const char*()>(function)(); }
     std::string Find(const std::string& relative) const
     {
-        const char* found = getAbsolutePath(relative.c_str(), "<none>");
+        const char* found = Fn<const char*(const char*, const char*)>("ProbeGetAbsolutePath")(relative.c_str(), "-");
         return found != nullptr ? found : "<none>";
     }
 };
 
-void Touch(const std::string& path)
-{
-    std::ofstream(path) << "x";
-}
-
-// Runs the search with the working directory set, since entry 7 is the
-// relative path as given.
-class CWorkingDir {
-public:
-    explicit CWorkingDir(const fs::path& dir) : mOld(fs::current_path()) { fs::current_path(dir); }
-    ~CWorkingDir() { fs::current_path(mOld); }
-
-private:
-    fs::path mOld;
-};
+void Touch(const std::string& path) { std::ofstream(path) << "x"; }
 
 }  // namespace
 
@@ -78,84 +49,56 @@ protected:
     static void SetUpTestSuite()
     {
         char pattern[] = "/tmp/aaxw-resources-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        sTmp = pattern;
+        sTmp = mkdtemp(pattern);
         sName = "ResProbe" + std::to_string(getpid());
         const std::string exeFolder = sTmp + "/root/" + sName + ".aaxplugin/Contents/x86_64-linux";
-
         // The nine entries as the search must build them, in order.
-        sEntries = {
-            exeFolder + "/",
-            exeFolder + "/resources/",
-            exeFolder + "/../../../",
-            exeFolder + "/../../../resources/",
-            exeFolder + "/../Resources/",
-            exeFolder + "/../Resources/resources/",
-            "",
-            "/Library//Morvane/" + sName + "/",
-            "/Library//Morvane/" + sName + "//resources/",
-        };
-
+        const std::string data = "/Library//Morvane/" + sName + "/";
+        sEntries = {exeFolder + "/", exeFolder + "/resources/", exeFolder + "/../../../",
+                    exeFolder + "/../../../resources/", exeFolder + "/../Resources/",
+                    exeFolder + "/../Resources/resources/", "", data, data + "/resources/"};
         sProbe = CProbe::Install(sTmp + "/root", sName);
         ASSERT_NE(sProbe.handle, nullptr);
-
         const std::string conf = sTmp + "/log.conf";
         std::ofstream(conf) << "description debug\n";
-        sProbe.startCapture(conf.c_str());
-        sFolders = sProbe.folders();
-        sFillLog = sProbe.takeCapturedLog();
-
-        fs::create_directories(sTmp + "/cwd");
-        for (size_t i = 0; i < sEntries.size(); ++i) {
-            if (i == 6)
-                continue;
-            std::error_code error;
-            fs::create_directories(sEntries[i], error);
-        }
-        // The program-data folders need a writable /Library; without it the
-        // last two places are left out of the placement test.
+        sProbe.Fn<void(const char*)>("ProbeStartCapture")(conf.c_str());
+        sFolders = sProbe.Text("ProbeFolders");
+        sFillLog = sProbe.Text("ProbeTakeCapturedLog");
+        std::error_code error;
+        for (size_t i = 0; i < sEntries.size(); ++i)
+            fs::create_directories(PlaceOnDisk(i), error);
+        // Without a writable /Library the last two places are not tested.
         sProgramDataWritable = access(sEntries[8].c_str(), W_OK) == 0;
     }
 
+    // Only our product folder goes: /Library/Morvane may be shared.
     static void TearDownTestSuite()
     {
         std::error_code error;
         fs::remove_all(sTmp, error);
-        // Only our product folder goes: /Library/Morvane may be shared with
-        // other tests running at the same time.
         fs::remove_all("/Library/Morvane/" + sName, error);
     }
 
-    // Folder of entry k on disk (entry 7, the bare relative path, is the
-    // working directory).
+    // Entry 7, the bare relative path, is the working directory.
     static std::string PlaceOnDisk(size_t k) { return k == 6 ? sTmp + "/cwd/" : sEntries[k]; }
 
-    static inline std::string sTmp;
-    static inline std::string sName;
+    static inline std::string sTmp, sName, sFolders, sFillLog;
     static inline std::vector<std::string> sEntries;
     static inline CProbe sProbe;
-    static inline std::string sFolders;
-    static inline std::string sFillLog;
     static inline bool sProgramDataWritable = false;
 };
 
-TEST_F(ResourceSearch, FolderListFollowsSearchOrder)
+TEST_F(ResourceSearch, FolderListFollowsSearchOrderAndItsFillIsLogged)
 {
     std::string expected;
     for (const std::string& entry : sEntries)
         expected += entry + "\n";
     EXPECT_EQ(sFolders, expected);
+    EXPECT_EQ(sProbe.Text("ProbeFolders"), expected) << "built once";
 
-    // The list is built once: asking again changes nothing.
-    EXPECT_EQ(std::string(sProbe.folders()), expected);
-}
-
-TEST_F(ResourceSearch, FillReportsEachStepInTheLog)
-{
-    const std::string& exe = sEntries[0] + sName + ".so";
     for (const std::string& message : {
              std::string("| info   | [CONF] ProgramData Path : /Library/\n"),
-             "| notice | [CONF] GetDyLibFullPath filename:" + exe + "\n",
+             "| notice | [CONF] GetDyLibFullPath filename:" + sEntries[0] + sName + ".so\n",
              "| notice | [CONF] productname:" + sName + "\n",
              "| notice | [CONF] Get Current Binary Folder absolute path:" + sEntries[0] + "\n",
              "| notice | [CONF] Get Current Bundle absolute path:" + sEntries[2] + "\n",
@@ -168,7 +111,8 @@ TEST_F(ResourceSearch, FillReportsEachStepInTheLog)
 
 TEST_F(ResourceSearch, FirstPlaceHoldingTheFileWins)
 {
-    CWorkingDir cwd(sTmp + "/cwd");
+    const fs::path oldCwd = fs::current_path();
+    fs::current_path(sTmp + "/cwd");
     const size_t places = sProgramDataWritable ? 9 : 7;
     for (size_t k = 0; k < places; ++k) {
         const std::string name = "placed_" + std::to_string(k) + ".txt";
@@ -178,59 +122,46 @@ TEST_F(ResourceSearch, FirstPlaceHoldingTheFileWins)
         for (size_t later = k; later < places; ++later)
             fs::remove(PlaceOnDisk(later) + name);
     }
-    const std::string log = sProbe.takeCapturedLog();
-    EXPECT_NE(log.find("| info   | [CONF] File found on " + sEntries[0] + "placed_0.txt\n"), std::string::npos)
-        << log;
+    fs::current_path(oldCwd);
+    EXPECT_NE(sProbe.Text("ProbeTakeCapturedLog").find("| info   | [CONF] File found on " + sEntries[0] + "placed_0.txt\n"),
+              std::string::npos);
     if (!sProgramDataWritable)
         GTEST_SKIP() << "/Library not writable: places 8 and 9 not checked";
 }
 
-TEST_F(ResourceSearch, FindsBundleFolders)
+// A VST 3 plug-in is a folder and must be found like a file; an absolute
+// path resolves to itself; a miss lists every path tried.
+TEST_F(ResourceSearch, FoldersAbsolutePathsAndMisses)
 {
-    // A VST 3 plug-in is a folder; it must be found like a file.
-    fs::create_directories(PlaceOnDisk(4) + "Plug.vst3/Contents");
-    EXPECT_EQ(sProbe.Find("Plug.vst3"), sEntries[4] + "Plug.vst3");
-    fs::remove_all(PlaceOnDisk(4) + "Plug.vst3");
-}
+    fs::create_directories(PlaceOnDisk(5) + "Plug.vst3/Contents");
+    EXPECT_EQ(sProbe.Find("Plug.vst3"), sEntries[5] + "Plug.vst3");
+    Touch(sTmp + "/absolute.txt");
+    EXPECT_EQ(sProbe.Find(sTmp + "/absolute.txt"), sTmp + "/absolute.txt");
 
-TEST_F(ResourceSearch, AbsolutePathResolvesToItself)
-{
-    const std::string absolute = sTmp + "/absolute.txt";
-    Touch(absolute);
-    EXPECT_EQ(sProbe.Find(absolute), absolute);
-}
-
-TEST_F(ResourceSearch, NotFoundListsEveryTriedPath)
-{
-    sProbe.takeCapturedLog();
+    sProbe.Text("ProbeTakeCapturedLog");
     const std::string name = "absent_" + sName + ".txt";
     EXPECT_EQ(sProbe.Find(name), "<none>");
-
     std::string tried;
     for (const std::string& entry : sEntries)
         tried += entry + name + "\n";
-    const std::string log = sProbe.takeCapturedLog();
-    EXPECT_NE(log.find("| warning | [CONF] File not found on " + tried + "\n"), std::string::npos) << log;
+    EXPECT_NE(sProbe.Text("ProbeTakeCapturedLog").find("| warning | [CONF] File not found on " + tried + "\n"),
+              std::string::npos);
 }
 
+// A second bundle in the same process, opened through a path holding "."
+// components, shares neither the first one's folders nor the "." components;
+// of its inner-dotted name only the last extension is dropped.
 TEST_F(ResourceSearch, EachBundleResolvesAroundItself)
 {
-    // A second bundle in the same process, opened through a path holding
-    // "." components, must neither share the first one's folders nor keep
-    // the "." components in its own path.
-    // Its file name has an inner dot: only the last extension is dropped
-    // from the product name.
     const std::string other = "Other" + std::to_string(getpid()) + ".v2";
     const std::string root = sTmp + "/root2";
     const std::string dotted = root + "/./" + other + ".aaxplugin/Contents/./x86_64-linux/" + other + ".so";
     CProbe second = CProbe::Install(root, other, dotted);
     ASSERT_NE(second.handle, nullptr);
     const std::string exeFolder = root + "/" + other + ".aaxplugin/Contents/x86_64-linux";
-    EXPECT_EQ(std::string(second.dyLibPath()), exeFolder + "/" + other + ".so");
-    const std::string folders = second.folders();
+    const std::string folders = second.Text("ProbeFolders");
     EXPECT_EQ(folders.substr(0, folders.find('\n')), exeFolder + "/");
     EXPECT_NE(folders.find("\n/Library//Morvane/" + other + "/\n"), std::string::npos) << folders;
-
     fs::create_directories(root + "/" + other + ".aaxplugin/Contents/Resources");
     Touch(root + "/" + other + ".aaxplugin/Contents/Resources/only_in_second.txt");
     EXPECT_EQ(second.Find("only_in_second.txt"), exeFolder + "/../Resources/only_in_second.txt");

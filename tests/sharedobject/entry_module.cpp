@@ -1,7 +1,5 @@
 // A bundle binary following the Linux VST 3 module convention, counting how
 // it is entered and left.
-#include <dlfcn.h>
-
 #define PROBE_EXPORT extern "C" __attribute__((visibility("default")))
 
 namespace {
@@ -18,20 +16,10 @@ PROBE_EXPORT bool ModuleEntry(void* handle)
     return gEntryAnswer != 0;
 }
 
-PROBE_EXPORT bool ModuleExit()
-{
-    ++gExitCount;
-    return true;
-}
+PROBE_EXPORT bool ModuleExit() { return ++gExitCount > 0; }
 
 PROBE_EXPORT void so_set_entry_answer(int answer) { gEntryAnswer = answer; }
 PROBE_EXPORT int so_entry_count() { return gEntryCount; }
 PROBE_EXPORT int so_exit_count() { return gExitCount; }
 PROBE_EXPORT void* so_entry_handle() { return gEntryHandle; }
 PROBE_EXPORT int so_answer() { return 42; }
-
-PROBE_EXPORT const char* so_module_path()
-{
-    Dl_info info{};
-    return dladdr(reinterpret_cast<void*>(&so_module_path), &info) != 0 ? info.dli_fname : "";
-}

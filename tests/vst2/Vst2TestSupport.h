@@ -3,6 +3,8 @@
 // doubles, context record, owner and log capture are shared test support.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <memory>
 #include <string>
 
@@ -21,10 +23,14 @@ namespace Vst2Test {
 using namespace TestSupport;
 
 // Folder of the plug-ins this build makes (vst2probe*.so, Tavrion V2.vst).
-std::string BuiltPlugin(const std::string& name);
-std::string TavrionPath();
+inline std::string BuiltPlugin(const std::string& name) { return std::string(VST2_TEST_VST_DIR) + "/" + name; }
+inline std::string TavrionPath() { return BuiltPlugin("Tavrion V2.vst"); }
 constexpr const char* kDebianVstDir = "/usr/lib/vst/";
-bool FileExists(const std::string& path);
+inline bool FileExists(const std::string& path)
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0;
+}
 
 // The file the probe plug-in records into (VST2PROBE_LOG).
 class CProbeRecord : public TestSupport::CPluginRecordFile {
@@ -34,8 +40,18 @@ public:
 
 // A fake host on a plug-in file, created and initialised, quit on destruction.
 struct HostedPlugin {
-    explicit HostedPlugin(const std::string& pluginPath, bool init = true);
-    ~HostedPlugin();
+    explicit HostedPlugin(const std::string& pluginPath) : path(pluginPath)
+    {
+        host = std::make_unique<CFakeHostVST2>(owner, path);
+        host->Init();
+    }
+    ~HostedPlugin()
+    {
+        if (host) {
+            host->QuitGUI();
+            host->Quit();
+        }
+    }
     CTestOwner owner;
     std::string path;
     std::unique_ptr<CFakeHostVST2> host;

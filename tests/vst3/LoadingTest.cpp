@@ -68,8 +68,6 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
     EXPECT_STREQ(host.GetClassInfo().category, "Audio Module Class");
     EXPECT_EQ(host.GetPluginVendor(), "Morvane Test");
     EXPECT_EQ(host.GetPluginVersion(), "1.2.3");
-    EXPECT_EQ(host.GetPluginProductUniqueID(), 0);
-    EXPECT_EQ(host.TimerWakeup(), 0);
     EXPECT_TRUE(log.Contains("Load Bundle " + plugin.mPath));
     EXPECT_TRUE(log.Contains("Loaded."));
 
@@ -88,8 +86,6 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
     EXPECT_EQ(loader.getMainBusMask(kOutput), 1u);
     EXPECT_EQ(loader.getMainBusMask(kInput), 0u);
     ASSERT_NE(loader.getInputEvents(), nullptr);
-    EXPECT_EQ(loader.getInputEvents()->capacity(), 2048);
-    EXPECT_EQ(loader.getOutputEvents(), nullptr);
 
     // Parameters: hidden and read-only ones are reported but not editable.
     ASSERT_EQ(host.GetParameterCount(), 6);
@@ -103,10 +99,6 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
         EXPECT_EQ(name, expected[i].name);
         EXPECT_FLOAT_EQ(def, expected[i].def);
     }
-    std::string name = "x";
-    float def = 0;
-    EXPECT_FALSE(host.GetParameterInfo(6, name, def));
-
     // Program changes go to the unit's program parameter on every channel.
     for (int channel = 0; channel < 16; ++channel)
         EXPECT_EQ(loader.getProgramChangeParameter(channel), 3);
@@ -139,7 +131,7 @@ TEST(Vst3Loading, TearDownReleasesInOrder)
                           "ctrl.setComponentHandler null", "ctrl.terminate", "proc.terminate", "ModuleExit"});
 }
 
-TEST(Vst3Loading, CombinedObjectIsInitialisedOnceAndNotSelfConnected)
+TEST(Vst3Loading, CombinedObjectAndFactoryWithoutAudioClass)
 {
     CTrace trace;
     CHostedPlugin plugin("MrvTestSingle");
@@ -152,29 +144,17 @@ TEST(Vst3Loading, CombinedObjectIsInitialisedOnceAndNotSelfConnected)
     EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
     plugin.mHost->Quit();
     EXPECT_EQ(trace.LinesStartingWith("single.terminate").size(), 1u);
-}
 
-TEST(Vst3Loading, FactoryWithoutAudioClassUsesTheLastClass)
-{
-    CTrace trace;
-    CHostedPlugin plugin("MrvTestNoAudioClass");
-    EXPECT_STREQ(plugin.mHost->GetClassInfo().name, "MrvTestNoAudioClass");
-    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
-    EXPECT_NE(plugin.Loader().getProcessor(), nullptr);
+    // No class of the audio category: the last class is used, and there is
+    // no extended information either.
+    trace.Clear();
+    CHostedPlugin other("MrvTestNoAudioClass");
+    EXPECT_STREQ(other.mHost->GetClassInfo().name, "MrvTestNoAudioClass");
+    ASSERT_NE(other.mHost->GetLoader(), nullptr);
+    EXPECT_NE(other.Loader().getProcessor(), nullptr);
     EXPECT_EQ(trace.LinesStartingWith("effect.initialize").size(), 1u);
-    EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
-    // No class of that category: no extended information either.
-    EXPECT_EQ(plugin.mHost->GetPluginVersion(), "");
-}
-
-TEST(Vst3Loading, EffectWithoutEventBusHasNoInputEventList)
-{
-    CHostedPlugin plugin("MrvTestEffect");
-    ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
-    EXPECT_EQ(plugin.Loader().getInputEvents(), nullptr);
-    EXPECT_EQ(plugin.Loader().getMainBusMask(kInput), 1u);
-    // No IMidiMapping: no controller table at all.
-    EXPECT_EQ(plugin.Loader().getMidiControllerTable(), nullptr);
+    EXPECT_EQ(other.mHost->GetParameterCount(), 1);
+    EXPECT_EQ(other.mHost->GetPluginVersion(), "");
 }
 
 TEST(Vst3LoadingFailure, MissingOrBrokenModulesGiveNeutralAnswers)

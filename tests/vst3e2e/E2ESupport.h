@@ -4,38 +4,28 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "HostRunFiles.h"
+#include "StateFile.h"
+
 namespace vst3e2e {
 
-struct SRun {
-    int exitCode = -1;
-    std::string out;
-    std::string err;
-    std::vector<std::string> trace;  // the instrument's trace, line by line
-    nlohmann::json Json() const;     // standard output parsed; null when it is not JSON
-};
+using AAXHostTest::SRunResult;
 
 // Runs aaxhost with these arguments, the instrument tracing into a fresh
 // file; env holds extra NAME=VALUE settings for the child.
-SRun RunHost(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
+SRunResult RunHost(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
 
 // A fresh, empty folder for one test's files.
-std::string TempDir(const std::string& name);
+inline std::string TempDir(const std::string& name) { return AAXHostTest::TestFolder(VST3E2E_WORK_DIR, name); }
 
 // The bundle built around the test instrument.
-std::string SynthBundle();
+inline std::string SynthBundle() { return std::string(VST3E2E_BUNDLE_DIR) + "/MrvTestSynth.aaxplugin"; }
 
-// A type-0 SMF at 480 ticks per quarter note holding these channel
-// messages at these ticks (no tempo event).
-struct SMidiEvent {
-    uint32_t tick;
-    std::vector<uint8_t> bytes;
-};
-void WriteSmf(const std::string& path, std::vector<SMidiEvent> events);
+// A file of channel messages at these ticks (480 per quarter note).
+void WriteSmf(const std::string& path, const std::vector<std::pair<uint32_t, std::vector<unsigned char>>>& events);
 
 // One process call of the instrument, rebuilt from its trace.
 struct SParamPoint {
@@ -46,20 +36,14 @@ struct SParamPoint {
 };
 struct SNoteEvent {
     bool on;
-    int channel;
-    int pitch;
+    int channel, pitch, offset, flags, noteId;  // flags and note ID: note-on only
     double velocity;
-    int offset;
-    int flags;   // note-on only
-    int noteId;  // note-on only
 };
 struct SProcessCall {
     unsigned state = 0;
     double rate = 0, tempo = 0, music = 0;
-    int numerator = 0, denominator = 0;
-    long long samples = 0;  // project time in samples
-    int frames = 0;
-    int events = 0;
+    int numerator = 0, denominator = 0, frames = 0, events = 0;
+    long long samples = 0;            // project time in samples
     std::vector<SParamPoint> params;  // received at the start of this call
     std::vector<SNoteEvent> notes;
     size_t firstLine = 0;  // first trace line of this call (its first parameter, or its context)
@@ -70,18 +54,10 @@ std::vector<SProcessCall> ProcessCalls(const std::vector<std::string>& trace);
 size_t FindLine(const std::vector<std::string>& trace, const std::string& prefix, size_t from = 0);
 size_t CountLines(const std::vector<std::string>& trace, const std::string& prefix);
 
-// aaxhost's state file: chunk ID -> data.
-struct SStateChunk {
-    uint32_t id = 0;
-    uint32_t version = 0;
-    std::vector<uint8_t> data;
-};
-std::vector<SStateChunk> ReadStateFile(const std::string& path);
-void WriteStateFile(const std::string& path, const std::vector<SStateChunk>& chunks);
+// aaxhost's state file, and the wrapper's chunk in it (null when absent).
+std::vector<AAXHost::SStateChunk> ReadState(const std::string& path);
+AAXHost::SStateChunk* WrapperChunk(std::vector<AAXHost::SStateChunk>& chunks);
 
-// The wrapper chunk's four-character code, as this bundle is built.
-constexpr uint32_t kWrapperChunkID = ('M' << 24) | ('v' << 16) | ('E' << 8) | '3';
-
-uint32_t ReadU32(const std::vector<uint8_t>& bytes, size_t at);
+uint32_t ReadU32(const std::vector<char>& bytes, size_t at);
 
 }  // namespace vst3e2e

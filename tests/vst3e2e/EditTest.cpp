@@ -50,7 +50,7 @@ TEST(Vst3E2EEdit, EditorGestureIsRecordedAsAutomationAndReachesTheNextBuffer)
 {
     const std::string dir = TempDir("edit");
     // The view opens before the buffer holding 0.05 s: 2400 lies in the buffer at 2304.
-    const SRun run = RunHost({"render", SynthBundle(), "--out", dir + "/out.wav", "--rate", "48000", "--block",
+    const SRunResult run = RunHost({"render", SynthBundle(), "--out", dir + "/out.wav", "--rate", "48000", "--block",
                               "256", "--seconds", "0.1", "--editor-at", "0.05", "--json", "--no-progress"},
                              {kEdit});
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -75,21 +75,21 @@ TEST(Vst3E2EEdit, EditorGestureIsRecordedAsAutomationAndReachesTheNextBuffer)
         EXPECT_EQ(p.offset, 0);
     }
     // Nowhere else: not before the edit, and not again later.
-    for (size_t k = 0; k < calls.size(); ++k) {
-        if (k != next) {
-            EXPECT_TRUE(calls[k].params.empty()) << "call at " << calls[k].samples;
-        }
-    }
+    for (size_t k = 0; k < calls.size(); ++k)
+        EXPECT_TRUE(k == next || calls[k].params.empty()) << "call at " << calls[k].samples;
 }
 
 TEST(Vst3E2EEdit, GuiCommandListsTheGestureAndNothingWithoutOne)
 {
-    SRun run = RunHost({"gui", SynthBundle(), "--ticks", "2", "--json"}, {kEdit});
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    ExpectOneGesture(Gestures(run.Json()["automation"]), run.out);
-
-    run = RunHost({"gui", SynthBundle(), "--ticks", "2", "--json"});
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_TRUE(Gestures(run.Json()["automation"]).empty()) << run.out;
-    EXPECT_EQ(CountLines(run.trace, "ctrl.createView"), 1u);
+    for (const bool edit : {true, false}) {
+        const SRunResult run = RunHost({"gui", SynthBundle(), "--ticks", "2", "--json"},
+                                       edit ? std::vector<std::string>{kEdit} : std::vector<std::string>{});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        const auto gestures = Gestures(run.Json()["automation"]);
+        if (edit)
+            ExpectOneGesture(gestures, run.out);
+        else
+            EXPECT_TRUE(gestures.empty()) << run.out;
+        EXPECT_EQ(CountLines(run.trace, "ctrl.createView"), 1u);
+    }
 }

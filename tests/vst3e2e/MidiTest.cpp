@@ -13,29 +13,16 @@ using namespace vst3e2e;
 namespace {
 
 // 48 kHz at 120 BPM and 480 ticks per quarter note: one tick is 50 samples.
-constexpr int kTickSamples = 50;
+constexpr long long kTickSamples = 50;
 constexpr int kBlock = 256;
 constexpr double kOneOver127 = static_cast<double>(1.0f / 127.0f);
 
-struct SExpectedPoint {
-    unsigned id;
-    double value;
-    long long sample;  // absolute: buffer start + offset
-};
-
-struct SExpectedNote {
-    bool on;
-    int channel, pitch;
-    double velocity;
-    long long sample;
-};
-
-struct MidiRender : ::testing::Test {
-    static void SetUpTestSuite()
-    {
+// One render shared by the tests of this file.
+const SRunResult& MidiRun()
+{
+    static const SRunResult run = [] {
         const std::string dir = TempDir("midi");
-        const std::string midi = dir + "/all.mid";
-        WriteSmf(midi, {
+        WriteSmf(dir + "/all.mid", {
             {10, {0x90, 60, 100}},    // note on
             {20, {0xB0, 7, 64}},      // CC 7: mapped to the volume
             {21, {0xB0, 1, 10}},      // CC 1: not mapped
@@ -50,45 +37,30 @@ struct MidiRender : ::testing::Test {
             {105, {0x93, 72, 127}},   // note on, channel 4
             {110, {0x93, 72, 0}},     // velocity 0 stays a note-on
         });
-        sRun = new SRun(RunHost({"render", SynthBundle(), "--midi", midi, "--out", dir + "/out.wav", "--rate", "48000",
-                                 "--block", std::to_string(kBlock), "--tempo", "120", "--seconds", "0.25",
-                                 "--no-progress", "--json"}));
-        sCalls = new std::vector<SProcessCall>(ProcessCalls(sRun->trace));
-    }
-    static void TearDownTestSuite()
-    {
-        delete sRun;
-        delete sCalls;
-        sRun = nullptr;
-        sCalls = nullptr;
-    }
-    static SRun* sRun;
-    static std::vector<SProcessCall>* sCalls;
-};
-SRun* MidiRender::sRun = nullptr;
-std::vector<SProcessCall>* MidiRender::sCalls = nullptr;
-
-long long TickSample(int tick) { return static_cast<long long>(tick) * kTickSamples; }
+        return RunHost({"render", SynthBundle(), "--midi", dir + "/all.mid", "--out", dir + "/out.wav", "--rate",
+                        "48000", "--block", std::to_string(kBlock), "--tempo", "120", "--seconds", "0.25",
+                        "--no-progress", "--json"});
+    }();
+    return run;
+}
 
 }  // namespace
 
-TEST_F(MidiRender, RunsAndEveryBufferReachesTheProcessor)
+TEST(Vst3E2EMidi, EveryBufferRunsAndNotesArriveAsEventsAtTheirSampleOffsets)
 {
-    ASSERT_EQ(sRun->exitCode, 0) << sRun->err;
-    EXPECT_EQ(sRun->Json()["instances"][0]["midi_in"], 13);
-    ASSERT_EQ(sCalls->size(), 47u);  // 12000 samples in buffers of 256
-    for (size_t k = 0; k < sCalls->size(); ++k)
-        EXPECT_EQ((*sCalls)[k].samples, static_cast<long long>(k) * kBlock) << "call " << k;
-    EXPECT_EQ(sCalls->back().frames, 12000 - 46 * kBlock);
-}
+    ASSERT_EQ(MidiRun().exitCode, 0) << MidiRun().err;
+    EXPECT_EQ(MidiRun().Json()["instances"][0]["midi_in"], 13);
+    const auto calls = ProcessCalls(MidiRun().trace);
+    ASSERT_EQ(calls.size(), 47u);  // 12000 samples in buffers of 256
+    for (size_t k = 0; k < calls.size(); ++k)
+        EXPECT_EQ(calls[k].samples, static_cast<long long>(k) * kBlock) << "call " << k;
+    EXPECT_EQ(calls.back().frames, 12000 - 46 * kBlock);
 
-TEST_F(MidiRender, NotesArriveAsEventsAtTheirSampleOffsets)
-{
-    const std::vector<SExpectedNote> expected = {
-        {true, 0, 60, 100 * kOneOver127, TickSample(10)},  {false, 0, 60, 64 * kOneOver127, TickSample(100)},
-        {true, 3, 72, 127 * kOneOver127, TickSample(105)}, {true, 3, 72, 0.0, TickSample(110)}};
-    std::vector<SExpectedNote> seen;
-    for (const auto& call : *sCalls) {
+    struct SNote { bool on; int channel, pitch; double velocity; long long tick; };
+    const SNote expected[] = {{true, 0, 60, 100 * kOneOver127, 10}, {false, 0, 60, 64 * kOneOver127, 100},
+                              {true, 3, 72, 127 * kOneOver127, 105}, {true, 3, 72, 0.0, 110}};
+    size_t i = 0;
+    for (const auto& call : calls) {
         EXPECT_EQ(call.events, static_cast<int>(call.notes.size())) << "call at " << call.samples;
         for (const auto& n : call.notes) {
             EXPECT_LT(n.offset, call.frames);
@@ -96,54 +68,47 @@ TEST_F(MidiRender, NotesArriveAsEventsAtTheirSampleOffsets)
                 EXPECT_EQ(n.flags, 0) << "aaxhost's packets are not immediate";
                 EXPECT_EQ(n.noteId, -1);
             }
-            seen.push_back({n.on, n.channel, n.pitch, n.velocity, call.samples + n.offset});
+            ASSERT_LT(i, std::size(expected));
+            const SNote& e = expected[i++];
+            EXPECT_EQ(n.on, e.on) << i;
+            EXPECT_EQ(n.channel, e.channel) << i;
+            EXPECT_EQ(n.pitch, e.pitch) << i;
+            EXPECT_NEAR(n.velocity, e.velocity, 1e-6) << i;
+            EXPECT_EQ(call.samples + n.offset, e.tick * kTickSamples) << i;
         }
     }
-    ASSERT_EQ(seen.size(), expected.size());
-    for (size_t i = 0; i < seen.size(); ++i) {
-        EXPECT_EQ(seen[i].on, expected[i].on) << i;
-        EXPECT_EQ(seen[i].channel, expected[i].channel) << i;
-        EXPECT_EQ(seen[i].pitch, expected[i].pitch) << i;
-        EXPECT_NEAR(seen[i].velocity, expected[i].velocity, 1e-6) << i;
-        EXPECT_EQ(seen[i].sample, expected[i].sample) << i;
-    }
+    EXPECT_EQ(i, std::size(expected));
 }
 
-TEST_F(MidiRender, ControllerMessagesBecomeParameterChangesForProcessorAndController)
+TEST(Vst3E2EMidi, ControllerMessagesBecomeParameterChangesForProcessorAndController)
 {
     // Volume (CC 7), program, pressure, bend: the unmapped CC 1 and the
     // out-of-range program 8 leave no trace.
-    const std::vector<SExpectedPoint> expected = {
-        {0, 64 * kOneOver127, TickSample(20)}, {3, 1.0, TickSample(30)},         {3, 2.0 / 7.0, TickSample(50)},
-        {1, 1.0, TickSample(60)},              {2, 0.0, TickSample(70)},         {2, 8192.0 / 16383.0, TickSample(80)},
-        {2, 1.0, TickSample(90)}};
-    std::vector<SExpectedPoint> seen;
-    std::vector<size_t> lines;
-    for (const auto& call : *sCalls)
+    struct SPoint { unsigned id; double value; long long tick; };
+    const SPoint expected[] = {{0, 64 * kOneOver127, 20}, {3, 1.0, 30},  {3, 2.0 / 7.0, 50},
+                               {1, 1.0, 60},              {2, 0.0, 70},  {2, 8192.0 / 16383.0, 80},
+                               {2, 1.0, 90}};
+    const auto& trace = MidiRun().trace;
+    size_t i = 0;
+    for (const auto& call : ProcessCalls(trace))
         for (const auto& p : call.params) {
-            seen.push_back({p.id, p.value, call.samples + p.offset});
-            lines.push_back(p.line);
+            ASSERT_LT(i, std::size(expected));
+            const SPoint& e = expected[i++];
+            EXPECT_EQ(p.id, e.id) << i;
+            EXPECT_NEAR(p.value, e.value, 1e-6) << i;
+            EXPECT_EQ(call.samples + p.offset, e.tick * kTickSamples) << i;
+            // The controller hears of it before the processor's buffer runs.
+            char wanted[96];
+            std::snprintf(wanted, sizeof wanted, "ctrl.setParamNormalized id=%u value=%.6f", e.id, e.value);
+            const size_t at = FindLine(trace, wanted);
+            EXPECT_NE(at, std::string::npos) << wanted;
+            EXPECT_LT(at, p.line) << wanted;
         }
-    ASSERT_EQ(seen.size(), expected.size());
-    for (size_t i = 0; i < seen.size(); ++i) {
-        EXPECT_EQ(seen[i].id, expected[i].id) << i;
-        EXPECT_NEAR(seen[i].value, expected[i].value, 1e-6) << i;
-        EXPECT_EQ(seen[i].sample, expected[i].sample) << i;
-        // The controller hears of it before the processor's buffer runs.
-        char wanted[96];
-        std::snprintf(wanted, sizeof wanted, "ctrl.setParamNormalized id=%u value=%.6f", expected[i].id,
-                      expected[i].value);
-        const size_t at = FindLine(sRun->trace, wanted);
-        EXPECT_NE(at, std::string::npos) << wanted;
-        EXPECT_LT(at, lines[i]) << wanted;
-    }
-}
+    EXPECT_EQ(i, std::size(expected));
 
-TEST_F(MidiRender, IgnoredMessagesNeverReachTheController)
-{
     // Whatever the timer forwards later, the controller only ever hears the
     // two valid programs, and nothing of the unmapped CC 1.
-    for (const std::string& line : sRun->trace) {
+    for (const std::string& line : trace) {
         unsigned id = 0;
         double value = 0;
         if (std::sscanf(line.c_str(), "ctrl.setParamNormalized id=%u value=%lf", &id, &value) != 2)

@@ -15,7 +15,7 @@ namespace {
 constexpr uint32_t kComponentSize = 4 + 6 * 8;
 constexpr uint32_t kControllerSize = 8;
 
-double DoubleAt(const std::vector<uint8_t>& bytes, size_t at)
+double DoubleAt(const std::vector<char>& bytes, size_t at)
 {
     double v = 0;
     EXPECT_LE(at + sizeof v, bytes.size());
@@ -24,18 +24,12 @@ double DoubleAt(const std::vector<uint8_t>& bytes, size_t at)
     return v;
 }
 
-const SStateChunk* WrapperChunk(const std::vector<SStateChunk>& chunks)
+SRunResult Render(const std::string& dir, std::vector<std::string> extra)
 {
-    for (const auto& c : chunks)
-        if (c.id == kWrapperChunkID)
-            return &c;
-    return nullptr;
-}
-
-std::vector<std::string> RenderArgs(const std::string& dir, const std::string& out)
-{
-    return {"render", SynthBundle(), "--out", dir + "/" + out, "--rate", "48000", "--block", "256",
-            "--seconds", "0.1", "--no-progress"};
+    std::vector<std::string> args = {"render", SynthBundle(), "--out", dir + "/out.wav", "--rate", "48000",
+                                     "--block", "256", "--seconds", "0.1", "--no-progress"};
+    args.insert(args.end(), extra.begin(), extra.end());
+    return RunHost(args);
 }
 
 struct Vst3E2EState : ::testing::Test {
@@ -43,9 +37,7 @@ struct Vst3E2EState : ::testing::Test {
     {
         dir = TempDir("state");
         saved = dir + "/saved.state";
-        auto args = RenderArgs(dir, "saved.wav");
-        args.insert(args.end(), {"--set", "0=0.25", "--set", "3=0.5714285714285714", "--save-state", saved});
-        const SRun run = RunHost(args);
+        const SRunResult run = Render(dir, {"--set", "0=0.25", "--set", "3=0.5714285714285714", "--save-state", saved});
         ASSERT_EQ(run.exitCode, 0) << run.err;
     }
     std::string dir, saved;
@@ -53,13 +45,13 @@ struct Vst3E2EState : ::testing::Test {
 
 }  // namespace
 
-TEST_F(Vst3E2EState, BlockHoldsBothStatesWithTheirSizesAndReportsSixtyMore)
+TEST_F(Vst3E2EState, BlockHoldsBothStatesAndAFreshInstanceRestoresThemInOrder)
 {
-    const auto chunks = ReadStateFile(saved);
-    const SStateChunk* chunk = WrapperChunk(chunks);
-    ASSERT_NE(chunk, nullptr);
-    EXPECT_EQ(&chunks.back(), chunk) << "the wrapper chunk comes last";
-    const auto& d = chunk->data;
+    auto first = ReadState(saved);
+    const AAXHost::SStateChunk* before = WrapperChunk(first);
+    ASSERT_NE(before, nullptr);
+    EXPECT_EQ(&first.back(), before) << "the wrapper chunk comes last";
+    const auto& d = before->data;
     ASSERT_EQ(ReadU32(d, 0), kComponentSize);
     ASSERT_EQ(ReadU32(d, 4 + kComponentSize), kControllerSize);
     // The chunk is as long as the size reported for it.
@@ -68,14 +60,11 @@ TEST_F(Vst3E2EState, BlockHoldsBothStatesWithTheirSizesAndReportsSixtyMore)
     EXPECT_DOUBLE_EQ(DoubleAt(d, 8 + 0 * 8), 0.25);
     EXPECT_NEAR(DoubleAt(d, 8 + 3 * 8), 4.0 / 7.0, 1e-6);  // through a float AAX parameter
     EXPECT_DOUBLE_EQ(DoubleAt(d, 8 + kComponentSize), 1.0);  // default zoom
-}
 
-TEST_F(Vst3E2EState, FreshInstanceRestoresComponentThenControllerViewThenControllerState)
-{
+    // Restored: component, then the controller's view of it, then the
+    // controller's own state, all before the first buffer.
     const std::string resaved = dir + "/resaved.state";
-    auto args = RenderArgs(dir, "loaded.wav");
-    args.insert(args.end(), {"--load-state", saved, "--save-state", resaved});
-    const SRun run = RunHost(args);
+    const SRunResult run = Render(dir, {"--load-state", saved, "--save-state", resaved});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto& t = run.trace;
     const size_t component = FindLine(t, "proc.setState ");
@@ -94,32 +83,22 @@ TEST_F(Vst3E2EState, FreshInstanceRestoresComponentThenControllerViewThenControl
     EXPECT_EQ(CountLines(t, "ctrl.setState"), 1u);
 
     // Saved again, the instrument gives back exactly what it was given.
-    const auto first = ReadStateFile(saved);
-    const auto after = ReadStateFile(resaved);
-    const SStateChunk* before = WrapperChunk(first);
-    const SStateChunk* again = WrapperChunk(after);
-    ASSERT_NE(before, nullptr);
+    auto after = ReadState(resaved);
+    const AAXHost::SStateChunk* again = WrapperChunk(after);
     ASSERT_NE(again, nullptr);
     const size_t written = 8 + kComponentSize + kControllerSize;
     ASSERT_GE(again->data.size(), written);
-    EXPECT_TRUE(std::equal(before->data.begin(), before->data.begin() + written, again->data.begin()));
+    EXPECT_TRUE(std::equal(d.begin(), d.begin() + written, again->data.begin()));
 }
 
 TEST_F(Vst3E2EState, LengthsPastTheChunkAreRefusedWithoutTouchingThePlugin)
 {
-    auto chunks = ReadStateFile(saved);
-    SStateChunk* chunk = nullptr;
-    for (auto& c : chunks)
-        if (c.id == kWrapperChunkID)
-            chunk = &c;
+    auto chunks = ReadState(saved);
+    AAXHost::SStateChunk* chunk = WrapperChunk(chunks);
     ASSERT_NE(chunk, nullptr);
     const auto original = chunk->data;
-    struct SCase {
-        const char* what;
-        size_t at;
-        uint32_t value;
-        size_t keep;  // bytes of the chunk kept
-    };
+    // Write value at offset at, then keep only keep bytes of the chunk.
+    struct SCase { const char* what; size_t at; uint32_t value; size_t keep; };
     const SCase cases[] = {
         {"component size past the end", 0, 0xFFFFFF00u, original.size()},
         {"controller size past the end", 4 + kComponentSize, 1000, original.size()},
@@ -129,13 +108,12 @@ TEST_F(Vst3E2EState, LengthsPastTheChunkAreRefusedWithoutTouchingThePlugin)
     for (const SCase& c : cases) {
         chunk->data = original;
         for (int i = 0; i < 4; ++i)
-            chunk->data[c.at + static_cast<size_t>(i)] = static_cast<uint8_t>(c.value >> (8 * i));
+            chunk->data[c.at + static_cast<size_t>(i)] = static_cast<char>(c.value >> (8 * i));
         chunk->data.resize(c.keep);
         const std::string bad = dir + "/bad.state";
-        WriteStateFile(bad, chunks);
-        auto args = RenderArgs(dir, "bad.wav");
-        args.insert(args.end(), {"--load-state", bad});
-        const SRun run = RunHost(args);
+        std::string error;
+        ASSERT_TRUE(AAXHost::WriteStateFile(bad, chunks, error)) << error;
+        const SRunResult run = Render(dir, {"--load-state", bad});
         EXPECT_EQ(run.exitCode, 0) << c.what << ": " << run.err;
         EXPECT_EQ(CountLines(run.trace, "proc.setState"), 0u) << c.what;
         EXPECT_EQ(CountLines(run.trace, "ctrl.setState"), 0u) << c.what;
