@@ -151,7 +151,7 @@ TEST_F(ProbeHost, HostCallbackTable)
     const VstIntPtr time = CFakeHostVST2::staticHostCallback(effect, audioMasterGetTime, 0, 0, nullptr, 0);
     ASSERT_NE(time, 0);
     EXPECT_EQ(reinterpret_cast<const VstTimeInfo*>(time)->sampleRate, 44100.0);
-    // The rate is answered by address, as the original host did.
+    // The rate is answered by address, deliberately: see the callback.
     const VstIntPtr rate = CFakeHostVST2::staticHostCallback(effect, audioMasterGetSampleRate, 0, 0, nullptr, 0);
     EXPECT_EQ(rate, reinterpret_cast<VstIntPtr>(&reinterpret_cast<const VstTimeInfo*>(time)->sampleRate));
     for (VstInt32 opcode : {VstInt32{audioMasterCanDo}, VstInt32{audioMasterGetBlockSize}, VstInt32{9999}})
