@@ -1,7 +1,12 @@
 # add_aax_wrapper(<target> NAME <plug-in name> EXTENSION <vst|vst3>
 #                 BUNDLE_ID <id> VERSION <x.y.z> PRODUCT_ID <4cc>
 #                 MANUFACTURER_ID <4cc> MANUFACTURER_NAME <name>
-#                 [VST_PLUGIN <path or target>] [OUTPUT_DIR <dir>])
+#                 [VST_PLUGIN <path or target>] [OUTPUT_DIR <dir>]
+#                 [HOST_MODE CLASSIC|STANDARD])
+#
+# HOST_MODE decides how the bundle hosts its VST plug-in: CLASSIC (default)
+# behaves exactly as the wrapper always has; STANDARD behaves as mainstream
+# VST hosts do, for plug-ins written against the VST documentation.
 #
 # Builds <OUTPUT_DIR>/<Name>.aaxplugin/Contents/x86_64-linux/<Name>.so (default
 # OUTPUT_DIR: ${CMAKE_BINARY_DIR}/bundles): the front end plus the identity of
@@ -50,7 +55,7 @@ endfunction()
 # identity. add_aax_wrapper() uses it; tests use it to build a front end with
 # a known identity.
 function(aaxw_target_identity target)
-  cmake_parse_arguments(PARSE_ARGV 1 ID "" "NAME;EXTENSION;BUNDLE_ID;VERSION;PRODUCT_ID;MANUFACTURER_ID;MANUFACTURER_NAME" "")
+  cmake_parse_arguments(PARSE_ARGV 1 ID "" "NAME;EXTENSION;BUNDLE_ID;VERSION;PRODUCT_ID;MANUFACTURER_ID;MANUFACTURER_NAME;HOST_MODE" "")
   foreach(_required NAME EXTENSION BUNDLE_ID VERSION PRODUCT_ID MANUFACTURER_ID MANUFACTURER_NAME)
     if(NOT DEFINED ID_${_required} OR "${ID_${_required}}" STREQUAL "")
       message(FATAL_ERROR "add_aax_wrapper(${target}): ${_required} is required")
@@ -61,6 +66,12 @@ function(aaxw_target_identity target)
   endif()
   if(ID_NAME MATCHES "[\"\\\\/]")
     message(FATAL_ERROR "add_aax_wrapper(${target}): NAME '${ID_NAME}' may not contain quotes, backslashes or slashes")
+  endif()
+  if(NOT ID_HOST_MODE)
+    set(ID_HOST_MODE CLASSIC)
+  endif()
+  if(NOT ID_HOST_MODE MATCHES "^(CLASSIC|STANDARD)$")
+    message(FATAL_ERROR "add_aax_wrapper(${target}): HOST_MODE must be CLASSIC or STANDARD, not '${ID_HOST_MODE}'")
   endif()
   _aaxw_fourcc_to_int("${ID_PRODUCT_ID}" _productId)
   _aaxw_fourcc_to_int("${ID_MANUFACTURER_ID}" _manufacturerId)
@@ -76,11 +87,12 @@ function(aaxw_target_identity target)
     "AAXW_VERSION=\"${ID_VERSION}\""
     "AAXW_MANUFACTURER_NAME=\"${ID_MANUFACTURER_NAME}\""
     "AAXW_PRODUCT_ID=${_productId}u"
-    "AAXW_MANUFACTURER_ID=${_manufacturerId}u")
+    "AAXW_MANUFACTURER_ID=${_manufacturerId}u"
+    "AAXW_HOST_MODE=\"${ID_HOST_MODE}\"")
 endfunction()
 
 function(add_aax_wrapper target)
-  set(_oneValue NAME EXTENSION BUNDLE_ID VERSION PRODUCT_ID MANUFACTURER_ID MANUFACTURER_NAME VST_PLUGIN OUTPUT_DIR)
+  set(_oneValue NAME EXTENSION BUNDLE_ID VERSION PRODUCT_ID MANUFACTURER_ID MANUFACTURER_NAME VST_PLUGIN OUTPUT_DIR HOST_MODE)
   cmake_parse_arguments(PARSE_ARGV 1 AW "" "${_oneValue}" "")
   if(AW_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "add_aax_wrapper(${target}): unknown arguments ${AW_UNPARSED_ARGUMENTS}")
@@ -98,7 +110,7 @@ function(add_aax_wrapper target)
   aaxw_target_identity(${target}
     NAME "${AW_NAME}" EXTENSION "${AW_EXTENSION}" BUNDLE_ID "${AW_BUNDLE_ID}" VERSION "${AW_VERSION}"
     PRODUCT_ID "${AW_PRODUCT_ID}" MANUFACTURER_ID "${AW_MANUFACTURER_ID}"
-    MANUFACTURER_NAME "${AW_MANUFACTURER_NAME}")
+    MANUFACTURER_NAME "${AW_MANUFACTURER_NAME}" HOST_MODE "${AW_HOST_MODE}")
   # The whole front end goes in: nothing inside the bundle refers to the
   # exported entry points, so plain archive linking would drop them.
   target_link_libraries(${target} PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,aaxwrapper_frontend>")

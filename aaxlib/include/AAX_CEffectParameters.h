@@ -85,6 +85,8 @@ public:
     AAX_Result GetNumberOfChanges(int32_t* oNumChanges) const override;
 
     AAX_Result TimerWakeup() override;
+    AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
+                             uint32_t* oDataWritten) const override;
 
     // Host objects of this instance; null before Initialize or when the host
     // did not answer that interface.

@@ -54,6 +54,12 @@ public:
 
     virtual AAX_Result TimerWakeup() = 0;
 
+    // A block of data the plug-in publishes under an ID of its own choosing;
+    // an unknown ID writes nothing (*oDataWritten = 0). Placed last so that
+    // every earlier slot keeps its place.
+    virtual AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
+                                     uint32_t* oDataWritten) const = 0;
+
 protected:
     ~AAX_IACFEffectParameters() = default;
 };

@@ -276,6 +276,13 @@ AAX_Result AAX_CEffectParameters::GetNumberOfChanges(int32_t* oNumChanges) const
 
 AAX_Result AAX_CEffectParameters::TimerWakeup() { return AAX_SUCCESS; }
 
+AAX_Result AAX_CEffectParameters::GetCustomData(AAX_CTypeID, uint32_t, void*, uint32_t* oDataWritten) const
+{
+    if (oDataWritten == nullptr) return AAX_ERROR_NULL_ARGUMENT;
+    *oDataWritten = 0;
+    return AAX_SUCCESS;
+}
+
 AAX_IController* AAX_CEffectParameters::Controller()
 {
     return mController && mController->IsValid() ? mController.get() : nullptr;

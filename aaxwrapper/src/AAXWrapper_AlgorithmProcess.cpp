@@ -7,7 +7,7 @@
 #include "AAXWrapper_Parameters.h"
 #include "CException.h"
 #include "logger/CLog.h"
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 
 namespace {
 

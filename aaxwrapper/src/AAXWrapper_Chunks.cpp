@@ -2,9 +2,9 @@
 // the wrapped plug-in's state exactly as the fake host writes it.
 #include "AAXWrapper_Identity.h"
 #include "AAXWrapper_Parameters.h"
-#include "FakeHostGuard.h"
+#include "fakehost/FakeHostGuard.h"
 #include "logger/CLog.h"
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 
 namespace {
 

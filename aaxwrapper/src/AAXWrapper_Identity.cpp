@@ -6,7 +6,7 @@
 
 #if !defined(AAXW_PLUGIN_NAME) || !defined(AAXW_EXTENSION_NAME) || !defined(AAXW_BUNDLE_ID) ||          \
     !defined(AAXW_GIT_REVISION) || !defined(AAXW_VERSION) || !defined(AAXW_MANUFACTURER_NAME) ||          \
-    !defined(AAXW_PRODUCT_ID) || !defined(AAXW_MANUFACTURER_ID)
+    !defined(AAXW_PRODUCT_ID) || !defined(AAXW_MANUFACTURER_ID) || !defined(AAXW_HOST_MODE)
 #error "AAXWrapper_Identity.cpp must be built through add_aax_wrapper()"
 #endif
 
@@ -22,6 +22,8 @@ const std::string kMidiOutID = PLUGIN_NAME;
 const std::string kMidiTransportID = PLUGIN_NAME;
 const std::string kManufacturerName = AAXW_MANUFACTURER_NAME;
 const char* const kEffectID_Wrapper = BUNDLE_ID.c_str();
+const std::string HOST_MODE = AAXW_HOST_MODE;
+const EHostMode kHostMode = HOST_MODE == "STANDARD" ? EHostMode::kStandard : EHostMode::kClassic;
 
 const AAX_CTypeID kProductID = AAXW_PRODUCT_ID;
 const AAX_CTypeID kManufacturerID = AAXW_MANUFACTURER_ID;

@@ -6,6 +6,7 @@
 
 #include "AAX.h"
 #include "DefaultDir.h"  // kDefault_Dir, shared with the log configuration
+#include "fakehost/HostMode.h"
 
 extern const std::string PLUGIN_NAME;
 extern const std::string EXTENSION_NAME;
@@ -18,6 +19,9 @@ extern const std::string kMidiInID;
 extern const std::string kMidiOutID;
 extern const std::string kMidiTransportID;
 extern const std::string kManufacturerName;
+// "CLASSIC" or "STANDARD": how this bundle hosts its plug-in.
+extern const std::string HOST_MODE;
+extern const EHostMode kHostMode;
 // Points into BUNDLE_ID; the AAX effect ID.
 extern const char* const kEffectID_Wrapper;
 

@@ -1,12 +1,18 @@
 #include "AAXWrapper_Parameters.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include "AAXWrapper_Identity.h"
-#include "FakeHostGuard.h"
 #include "AAXWrapper_PluginLocator.h"
+#include "AAXWrapper_Status.h"
+#include "fakehost/FakeHostFactory.h"
+#include "fakehost/FakeHostGuard.h"
+#include "fakehost/IFakeHost.h"
 #include "AAX_CBinaryDisplayDelegate.h"
 #include "AAX_CBinaryTaperDelegate.h"
 #include "AAX_CLinearTaperDelegate.h"
@@ -17,9 +23,6 @@
 #include "Resources.h"
 #include "S_Alg_Context.h"
 #include "logger/CLog.h"
-#include "vst2/CFakeHostVST2.h"
-#include "vst3/CFakeHostVST3.h"
-#include "vst3/IFakeHost.h"
 
 namespace {
 
@@ -48,15 +51,23 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
     }
     LogBundleInfo();
 
-    std::string path =
-        Morvane::FindPluginFile(Morvane::BuildPluginCandidates(VST_PLUGIN_NAME, VST_PLUGIN_EXTENSION));
+    const std::vector<std::string> candidates =
+        Morvane::BuildPluginCandidates(VST_PLUGIN_NAME, VST_PLUGIN_EXTENSION);
+    std::string path = Morvane::FindPluginFile(candidates);
+    mPluginPath = path;
+    if (path.empty())
+        mLoadError = "no " + VST_PLUGIN_NAME + "." + VST_PLUGIN_EXTENSION + " was found in the " +
+                     std::to_string(candidates.size()) + " places searched";
     CallFakeHost("CreateFakeHost", [&] { CreateFakeHost(path); });
 
     if (mFakeHost == nullptr) {
         MV_LOG("fakehost", kLogError, "Fakehost null.");
+        if (mLoadError.empty())
+            mLoadError = "no fake host for the extension " + VST_PLUGIN_EXTENSION;
         return;
     }
     // A host whose Init failed stays: its later answers are neutral.
+    bool loaded = false;
     CallFakeHost("Init", [&] {
         // Asked whatever the log keeps: the plug-in sees the same calls either way.
         const std::string vendor = mFakeHost->GetPluginVendor();
@@ -67,8 +78,22 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
         MV_LOG("fakehost", kLogNotice, "## Version  : ", version);
         MV_LOG("fakehost", kLogNotice, "## Unique ID: ", uniqueID);
         MV_LOG("fakehost", kLogNotice, "########################################");
-        mFakeHost->Init();
+        loaded = mFakeHost->Init();
     });
+    if (!loaded && mLoadError.empty()) {
+        mLoadError = mFakeHost->GetLoadError();
+        if (mLoadError.empty())
+            mLoadError = "the plug-in in " + path + " could not be created";
+    }
+    if (loaded)
+        mLoadError.clear();
+    else
+        MV_LOG("fakehost", kLogError, "Wrapped plug-in not loaded: ", mLoadError);
+}
+
+bool AAXWrapper_Parameters::IsStandard() const
+{
+    return kHostMode == EHostMode::kStandard;
 }
 
 void AAXWrapper_Parameters::LogBundleInfo() const
@@ -82,6 +107,7 @@ void AAXWrapper_Parameters::LogBundleInfo() const
     MV_LOG("fakehost", kLogNotice, "## File extension      : ", VST_PLUGIN_EXTENSION);
     MV_LOG("fakehost", kLogNotice, "## AAX Unique ID       : ", static_cast<uint32_t>(kProductID));
     MV_LOG("fakehost", kLogNotice, "## Git Revision        : ", GIT_REVISION);
+    MV_LOG("fakehost", kLogNotice, "## Host mode           : ", HOST_MODE);
     MV_LOG("fakehost", kLogNotice, "########################################");
 }
 
@@ -93,9 +119,9 @@ void AAXWrapper_Parameters::CreateFakeHost(std::string& path)
     }
     // Case-sensitive on purpose: the extension is also the file suffix.
     if (VST_PLUGIN_EXTENSION == "vst") {
-        mFakeHost = new CFakeHostVST2(*this, path);
+        mFakeHost = CreateFakeHostVST2(*this, path, kHostMode);
     } else if (VST_PLUGIN_EXTENSION == "vst3") {
-        mFakeHost = new CFakeHostVST3(*this, path);
+        mFakeHost = CreateFakeHostVST3(*this, path, kHostMode);
     } else {
         MV_LOG("fakehost", kLogError, "Extension not well defined ", "\n", "[LOG] ## VST_PLUGIN_NAME = ",
                VST_PLUGIN_NAME, "\n", "[LOG] ## file_extension = ", VST_PLUGIN_EXTENSION);
@@ -112,6 +138,12 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
     mParameterManager.AddParameter(bypass);
     mPacketDispatcher.RegisterPacket(kMasterBypassID, kAlgField_Bypass);
 
+    if (IsStandard() && !mLoadError.empty()) {
+        // A host reports an instance that fails here; one that silently
+        // renders nothing would ship unnoticed.
+        MV_LOG("fakehost", kLogError, "EffectInit refused: ", mLoadError);
+        return AAX_ERROR_UNKNOWN_PLUGIN;
+    }
     if (mFakeHost == nullptr)
         return AAX_SUCCESS;
 
@@ -122,12 +154,21 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
 void AAXWrapper_Parameters::PublishPluginParameters()
 {
     const int count = mFakeHost->GetParameterCount();
+    mLastValues.assign(static_cast<size_t>(std::max(count, 0)), std::numeric_limits<double>::quiet_NaN());
     for (int index = 0; index < count; ++index) {
+        if (IsStandard() && !mFakeHost->IsParameterPublished(index))
+            continue;
         std::string name;
         float value = 0.0f;
         mFakeHost->GetParameterInfo(index, name, value);
         char id[32];
-        std::snprintf(id, sizeof(id), "%d", index);
+        if (IsStandard()) {
+            const uint32_t tag = mFakeHost->GetParameterTag(index);
+            std::snprintf(id, sizeof(id), "%u", tag);
+            mIndexByTag[tag] = index;
+        } else {
+            std::snprintf(id, sizeof(id), "%d", index);
+        }
         auto* parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
                                                     AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
                                                     AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
@@ -165,6 +206,10 @@ AAX_Result AAXWrapper_Parameters::UpdateParameterNormalizedValue(AAX_CParamID iP
 
 void AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, double iValue)
 {
+    if (IsStandard()) {
+        ForwardChangeOnce(iParameterID, iValue);
+        return;
+    }
     const int index = std::atoi(iParameterID);
     std::string name;
     float current = 0.0f;
@@ -178,6 +223,59 @@ void AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, do
         mFakeHost->AddInputChangeForGUI(index, iValue);
         mFakeHost->AddInputChangeForProcessing(index, iValue);
     }
+}
+
+// STANDARD: compared with the last value that crossed, never with what the
+// plug-in calls its default, and without asking the plug-in.
+void AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double iValue)
+{
+    errno = 0;
+    char* end = nullptr;
+    const unsigned long tag = std::strtoul(iParameterID, &end, 10);
+    if (end == iParameterID || *end != '\0' || errno != 0)
+        return;
+    const auto found = mIndexByTag.find(static_cast<uint32_t>(tag));
+    if (found == mIndexByTag.end())
+        return;
+    const int index = found->second;
+    double& last = mLastValues[static_cast<size_t>(index)];
+    if (last == iValue)
+        return;
+    MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ", iParameterID,
+              " from ", last, " to ", iValue);
+    last = iValue;
+    mFakeHost->AddInputChangeForGUI(index, iValue);
+    mFakeHost->AddInputChangeForProcessing(index, iValue);
+}
+
+AAX_Result AAXWrapper_Parameters::TimerWakeup()
+{
+    if (mFakeHost != nullptr)
+        CallFakeHost("TimerWakeup", [&] { mFakeHost->ApplyPendingSettings(); });
+    return AAX_CEffectParameters::TimerWakeup();
+}
+
+std::string AAXWrapper_Parameters::StatusText() const
+{
+    return "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" + mPluginPath +
+           "\nerror=" + mLoadError + "\n";
+}
+
+AAX_Result AAXWrapper_Parameters::GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
+                                                uint32_t* oDataWritten) const
+{
+    if (iDataBlockID != kWrapperStatusBlockID)
+        return AAX_CEffectParameters::GetCustomData(iDataBlockID, inDataSize, oData, oDataWritten);
+    if (oDataWritten == nullptr || (oData == nullptr && inDataSize > 0))
+        return AAX_ERROR_NULL_ARGUMENT;
+    const std::string text = StatusText();
+    if (inDataSize < text.size()) {
+        *oDataWritten = 0;
+        return AAX_ERROR_ARGUMENT_BUFFER_OVERFLOW;
+    }
+    std::memcpy(oData, text.data(), text.size());
+    *oDataWritten = static_cast<uint32_t>(text.size());
+    return AAX_SUCCESS;
 }
 
 AAXWrapper_Parameters::~AAXWrapper_Parameters()

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "AAX_CEffectParameters.h"
 
@@ -31,6 +33,13 @@ public:
     AAX_Result GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChunk* oChunk) const override;
     AAX_Result SetChunk(AAX_CTypeID iChunkID, const AAX_SPlugInChunk* iChunk) override;
 
+    // Main thread, periodic: lets the fake host apply what processing saw.
+    AAX_Result TimerWakeup() override;
+    // kWrapperStatusBlockID: whether the wrapped plug-in runs, and why not.
+    AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
+                             uint32_t* oDataWritten) const override;
+    std::string StatusText() const;
+
     // Read by the real-time callback and the view.
     IFakeHost* GetFakeHost() const { return mFakeHost; }
     bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
@@ -46,8 +55,16 @@ private:
     void CreateFakeHost(std::string& path);
     void PublishPluginParameters();
     void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
+    void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
+    bool IsStandard() const;
 
     IFakeHost* mFakeHost = nullptr;
+    std::string mPluginPath;   // what the file search found; empty when nothing
+    std::string mLoadError;    // why the plug-in is not running; empty when it is
+    // STANDARD: AAX identifiers are the plug-in's parameter tags; the last
+    // value sent to or received from each parameter, by index (NaN: none yet).
+    std::unordered_map<uint32_t, int> mIndexByTag;
+    std::vector<double> mLastValues;
     // Set while a chunk is being restored; the callback outputs silence then.
     // Atomic only so the cross-thread read is well defined; no ordering needed.
     std::atomic<bool> mIsLoadingState{false};

@@ -7,6 +7,7 @@
 
 #include "CSingleton.h"
 #include "Resources.h"
+#include "stlutils.h"
 #include "logger/CLog.h"
 
 namespace Morvane {
@@ -14,6 +15,18 @@ namespace Morvane {
 namespace {
 
 #ifndef __APPLE__
+// Folders named in a PATH-like variable, in their order.
+void AppendVariableFolders(const char* variable, std::vector<std::string>& folders)
+{
+    const char* const value = std::getenv(variable);
+    if (value == nullptr)
+        return;
+    std::vector<std::string> entries;
+    stlutils::tokenize(value, entries, ":");
+    for (const std::string& folder : entries)
+            folders.push_back(folder.back() == '/' ? folder : folder + "/");
+}
+
 void AppendLinuxFolders(const std::string& name, const std::string& extension, std::vector<std::string>& out)
 {
     const char* const home = std::getenv("HOME");
@@ -21,12 +34,19 @@ void AppendLinuxFolders(const std::string& name, const std::string& extension, s
     std::vector<std::string> folders;
     std::vector<std::string> fileNames;
     if (extension == "vst") {
-        if (!homeText.empty())
+        AppendVariableFolders("VST_PATH", folders);
+        AppendVariableFolders("LXVST_PATH", folders);
+        if (!homeText.empty()) {
             folders.push_back(homeText + "/.vst/");
+            folders.push_back(homeText + "/.lxvst/");
+        }
         folders.push_back("/usr/local/lib/vst/");
+        folders.push_back("/usr/local/lib/lxvst/");
         folders.push_back("/usr/lib/vst/");
+        folders.push_back("/usr/lib/lxvst/");
         fileNames = {name + ".vst", name + ".so"};
     } else if (extension == "vst3") {
+        AppendVariableFolders("VST3_PATH", folders);
         if (!homeText.empty())
             folders.push_back(homeText + "/.vst3/");
         folders.push_back("/usr/local/lib/vst3/");

@@ -1,9 +1,9 @@
 #include "CWrapperGUI.h"
 
 #include "AAXWrapper_Parameters.h"
-#include "FakeHostGuard.h"
+#include "fakehost/FakeHostGuard.h"
 #include "logger/CLog.h"
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 
 AAX_IEffectGUI* CWrapperGUI::Create()
 {

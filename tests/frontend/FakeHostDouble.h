@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CException.h"
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 
 struct FakeHostScript {
     std::vector<std::string> journal;
@@ -26,11 +26,12 @@ public:
         : IFakeHost(owner), mScript(std::move(script)), mName(std::move(name)) {}
     ~FakeHostDouble() override { Log("~FakeHostDouble"); }
 
-    void Init() override
+    bool Init() override
     {
         Log("Init");
         if (mScript->failAssertions)
             throw std::logic_error("mVst3Loader!=0");
+        return true;
     }
     void Setup() override { Log("Setup"); }
     void Quit() override { Log("Quit"); }

@@ -5,16 +5,27 @@
 #include <cstring>
 #include <exception>
 
+#include "AAX_CEffectParameters.h"
+#include "AAX_IController.h"
 #include "S_Alg_Context.h"
+#include "fakehost/FakeHostFactory.h"
 #include "logger/CLog.h"
 #include "vst2/VendorVersion.h"
 
-CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path) : IFakeHost(owner)
+IFakeHost* CreateFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+{
+    return new CFakeHostVST2(owner, path, mode);
+}
+
+CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+    : IFakeHost(owner, mode)
 {
     MV_LOG("bundle", kLogInfo, "HOST> Load library...");
     CVST2PluginLoader::EntryFunction entry = loader.loadLibrary(path.c_str());
     if (!entry) {
         MV_LOG("bundle", kLogError, "VST Plugin main entry not found (", path, ")");
+        mLoadError = path.empty() ? std::string("no plug-in file")
+                                  : "no VST 2 entry point in " + path + " (" + loader.lastError() + ")";
         return;
     }
     MV_LOG("bundle", kLogDebug, "HOST> Create effect in progress...");
@@ -25,6 +36,7 @@ CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path) : 
         MV_LOG("bundle", kLogNotice, "Audio Effect ok");
     } else {
         MV_LOG("bundle", kLogError, "Failed to create effect instance (", path, ")");
+        mLoadError = "the entry point of " + path + " created no VST 2 effect";
     }
 }
 
@@ -51,13 +63,19 @@ VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr val
     return 0;
 }
 
-void CFakeHostVST2::Init()
+bool CFakeHostVST2::Init()
 {
     if (effect == nullptr)
-        return;
+        return false;
     MV_LOG("bundle", kLogDebug, "HOST> Create effect done");
     effect->user = this;
     Dispatch(effOpen);
+    if (IsStandard()) {
+        // Rate and block size before the first resume, as hosts do: plug-ins
+        // read them when resumed.
+        Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(mSampleRate));
+        Dispatch(effSetBlockSize, 0, kStandardMaxBlock);
+    }
     Dispatch(effMainsChanged, 0, 1);
 
     ELogLevel bundleLevel = kLogAssert;
@@ -73,13 +91,50 @@ void CFakeHostVST2::Init()
                effect->numOutputs, " outputs, more than the ", kHostInputChannels, " and ", kHostOutputChannels,
                " the host provides: it will output silence");
 
-    Dispatch(effSetProgram, 0, 0);
+    if (IsStandard()) {
+        // The plug-in starts on its own initial program.
+        mEventRecords.assign(kMaxEventsPerBuffer, VstMidiEvent{});
+        mEventList.assign(sizeof(VstEvents) + (kMaxEventsPerBuffer - 2) * sizeof(VstEvent*), 0);
+    } else {
+        Dispatch(effSetProgram, 0, 0);
+    }
     if (midiEvent == nullptr)
         midiEvent = new VstMidiEvent();
     std::memset(midiEvent, 0, sizeof(VstMidiEvent));
+    return true;
 }
 
-void CFakeHostVST2::Setup() {}
+void CFakeHostVST2::Setup()
+{
+    if (!IsStandard() || effect == nullptr)
+        return;
+    AAX_CSampleRate rate = 0.0f;
+    if (AAX_IController* controller = mEffectParameters.Controller())
+        controller->GetSampleRate(&rate);
+    if (rate > 0.0f)
+        Configure(static_cast<double>(rate));
+}
+
+void CFakeHostVST2::ApplyPendingSettings()
+{
+    const double rate = mPendingRate.exchange(0.0);
+    if (IsStandard() && effect != nullptr && rate > 0.0)
+        Configure(rate);
+}
+
+// Main thread: suspend, tell, resume, with processing held off meanwhile.
+void CFakeHostVST2::Configure(double sampleRate)
+{
+    if (!(sampleRate > 0.0) || sampleRate == mSampleRate)
+        return;
+    Morvane::CProcessGateClosed closed(mGate);
+    MV_LOG("fakehost", kLogInfo, "VST2 - sample rate ", mSampleRate, " -> ", sampleRate);
+    mSampleRate = sampleRate;
+    Dispatch(effMainsChanged, 0, 0);
+    Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(sampleRate));
+    Dispatch(effSetBlockSize, 0, kStandardMaxBlock);
+    Dispatch(effMainsChanged, 0, 1);
+}
 
 void CFakeHostVST2::Quit()
 {
@@ -88,6 +143,7 @@ void CFakeHostVST2::Quit()
     if (effect == nullptr)
         return;
     MV_LOG_AT("fakehost", kLogInfo, "Quit");
+    Morvane::CProcessGateClosed closed(mGate);
     Dispatch(effMainsChanged, 0, 0);
     Dispatch(effClose);
     // effClose makes the plug-in free its record: nothing may reach it now.

@@ -2,10 +2,13 @@
 // calls to the host, and translates between the AAX side and the effect.
 #pragma once
 
+#include <atomic>
 #include <string>
+#include <vector>
 
+#include "ProcessGate.h"
 #include "S_Alg_Context.h"
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 #include "vst2/CVST2PluginLoader.h"
 #include "vst2/VstInterface.h"
 
@@ -21,15 +24,20 @@ public:
     // Channels every context record carries: inputs, and main pair plus stems.
     static constexpr int kHostInputChannels = kAlgBypassChannels;
     static constexpr int kHostOutputChannels = 2 + 2 * kNumOutputStems;
+    // STANDARD: the most MIDI events handed over in one effProcessEvents.
+    static constexpr int kMaxEventsPerBuffer = 1024;
+    static constexpr double kDefaultSampleRate = 44100.0;
 
-    CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path);
+    CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode = EHostMode::kClassic);
     ~CFakeHostVST2() override;
     CFakeHostVST2(const CFakeHostVST2&) = delete;
     CFakeHostVST2& operator=(const CFakeHostVST2&) = delete;
 
-    void Init() override;
+    bool Init() override;
     void Setup() override;
     void Quit() override;
+    std::string GetLoadError() const override { return mLoadError; }
+    void ApplyPendingSettings() override;
     std::string GetPluginVendor() override;
     std::string GetPluginVersion() override;
     int32_t GetPluginProductUniqueID() override;
@@ -57,6 +65,16 @@ private:
                        void* ptr = nullptr, float opt = 0.0f);
     void RefreshTimeInfo(S_Alg_Context* context);
     void PushInputEvents(S_Alg_Context* context);
+    VstIntPtr StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt, bool& handled);
+
+    // STANDARD: the effect is told the rate and block size on the main thread
+    // only; processing notes a rate it has not been set up for.
+    void Configure(double sampleRate);
+    void ProcessStandard(S_Alg_Context* context);
+    void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames);
+    void RefreshTimeInfoStandard(S_Alg_Context* context, int32_t start);
+    void PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
+    void WriteSilence(S_Alg_Context* context);
     VstIntPtr ForwardOutputEvents(void* ptr);
     VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
 
@@ -71,4 +89,14 @@ private:
     // False when the effect declares more channels than the host's context
     // carries; it is then not processed rather than let run past the arrays.
     bool channelsFit = true;
+
+    std::string mLoadError;
+    // STANDARD state.
+    double mSampleRate = kDefaultSampleRate;        // what the effect was set up with
+    std::atomic<double> mPendingRate{0.0};          // a different rate processing saw; 0: none
+    Morvane::CProcessGate mGate;
+    std::vector<VstMidiEvent> mEventRecords;        // sized in Init
+    std::vector<char> mEventList;                   // a VstEvents with kMaxEventsPerBuffer slots
+    float* mSliceInputs[kHostInputChannels] = {};
+    float* mSliceOutputs[kHostOutputChannels] = {};
 };

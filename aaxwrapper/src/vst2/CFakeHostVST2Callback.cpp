@@ -39,6 +39,12 @@ VstIntPtr CFakeHostVST2::staticHostCallback(AEffect* effect, VstInt32 opcode, Vs
 
 VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt)
 {
+    if (IsStandard()) {
+        bool handled = false;
+        const VstIntPtr answer = StandardCallback(opcode, index, value, ptr, opt, handled);
+        if (handled)
+            return answer;
+    }
     switch (opcode) {
     case audioMasterAutomate: {
         char parameterID[32];
@@ -60,6 +66,50 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
         return reinterpret_cast<VstIntPtr>(&timeInfo.sampleRate);
     default:
         MV_LOG("fakehost", kLogDebug, "VST2 - staticHostCallback - .. opcode = ", opcode);
+        return 0;
+    }
+}
+
+// What mainstream hosts answer where this host's classic answers differ.
+VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float,
+                                          bool& handled)
+{
+    handled = true;
+    char parameterID[32];
+    switch (opcode) {
+    case audioMasterGetSampleRate:
+        return static_cast<VstIntPtr>(mSampleRate);
+    case audioMasterGetBlockSize:
+        return kStandardMaxBlock;
+    case audioMasterCurrentId:
+        return effect != nullptr ? effect->uniqueID : 0;
+    case audioMasterGetProductString:
+        if (ptr == nullptr)
+            return 0;
+        std::snprintf(static_cast<char*>(ptr), kHostVendorTextSize, "%s", "Morvane AAX Wrapper");
+        return 1;
+    case audioMasterGetVendorVersion:
+        return 1;
+    case audioMasterCanDo: {
+        static const char* const kCanDo[] = {"sendVstEvents", "sendVstMidiEvent", "sendVstTimeInfo",
+                                             "receiveVstEvents", "receiveVstMidiEvent", "sizeWindow"};
+        if (ptr == nullptr)
+            return 0;
+        for (const char* text : kCanDo)
+            if (std::strcmp(static_cast<const char*>(ptr), text) == 0)
+                return 1;
+        return 0;
+    }
+    case audioMasterBeginEdit:
+        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
+        mEffectParameters.TouchParameter(parameterID);
+        return 1;
+    case audioMasterEndEdit:
+        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
+        mEffectParameters.ReleaseParameter(parameterID);
+        return 1;
+    default:
+        handled = false;
         return 0;
     }
 }

@@ -1,5 +1,6 @@
 // The real-time side of the VST 2 fake host: transport, MIDI input and audio.
 // Nothing here allocates or locks; log lines are filtered before formatting.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -18,6 +19,10 @@ void CFakeHostVST2::Process(S_Alg_Context* context)
 {
     if (effect == nullptr || context == nullptr)
         return;
+    if (IsStandard()) {
+        ProcessStandard(context);
+        return;
+    }
     currentContext = context;
     MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
     RefreshTimeInfo(context);
@@ -106,4 +111,136 @@ void CFakeHostVST2::PushInputEvents(S_Alg_Context* context)
         midiEvent->deltaFrames = static_cast<VstInt32>(packet.mTimestamp);
         Dispatch(effProcessEvents, 0, 0, &events);
     }
+}
+
+void CFakeHostVST2::WriteSilence(S_Alg_Context* context)
+{
+    const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
+    if (context->mOutputs == nullptr || frames <= 0)
+        return;
+    for (int c = 0; c < kHostOutputChannels; ++c)
+        if (context->mOutputs[c] != nullptr)
+            std::memset(context->mOutputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
+}
+
+// STANDARD: the rate is never changed from here (the main thread does it, see
+// ApplyPendingSettings); buffers longer than the announced block size go to
+// the effect in slices.
+void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
+{
+    if (!mGate.TryEnter()) {
+        WriteSilence(context);
+        return;
+    }
+    currentContext = context;
+    MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
+    if (context->mSampleRate != nullptr) {
+        const double rate = static_cast<double>(*context->mSampleRate);
+        if (rate > 0.0 && rate != mSampleRate)
+            mPendingRate.store(rate);
+    }
+    const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
+    if (!channelsFit || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
+        if (!channelsFit)
+            WriteSilence(context);
+    } else if (frames <= kStandardMaxBlock) {
+        ProcessSlice(context, 0, frames);
+    } else {
+        for (int32_t start = 0; start < frames; start += kStandardMaxBlock)
+            ProcessSlice(context, start, std::min(kStandardMaxBlock, frames - start));
+    }
+    mGate.Leave();
+}
+
+void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames)
+{
+    const int32_t total = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
+    RefreshTimeInfoStandard(context, start);
+    PushSliceEvents(context, start, frames, start + frames >= total);
+    float** inputs = const_cast<float**>(context->mInputs);
+    float** outputs = const_cast<float**>(context->mOutputs);
+    if (start > 0) {
+        for (int c = 0; c < kHostInputChannels; ++c)
+            mSliceInputs[c] = inputs != nullptr && inputs[c] != nullptr ? inputs[c] + start : nullptr;
+        for (int c = 0; c < kHostOutputChannels; ++c)
+            mSliceOutputs[c] = outputs[c] != nullptr ? outputs[c] + start : nullptr;
+        inputs = inputs != nullptr ? mSliceInputs : nullptr;
+        outputs = mSliceOutputs;
+    }
+    if (frames > 0)
+        effect->processReplacing(effect, inputs, outputs, frames);
+}
+
+void CFakeHostVST2::RefreshTimeInfoStandard(S_Alg_Context* context, int32_t start)
+{
+    timeInfo.flags = kVstPpqPosValid | kVstTempoValid | kVstTimeSigValid;
+    timeInfo.sampleRate = mSampleRate;
+    AAX_ITransport* transport =
+        context->mMidiTransport != nullptr ? context->mMidiTransport->GetTransport() : nullptr;
+    if (transport == nullptr)
+        return;
+    int64_t sampleLocation = 0;
+    transport->GetCurrentNativeSampleLocation(&sampleLocation);
+    timeInfo.samplePos = static_cast<double>(sampleLocation + start);
+    double tempo = 0.0;
+    transport->GetCurrentTempo(&tempo);
+    timeInfo.tempo = tempo;
+    int32_t numerator = 0;
+    int32_t denominator = 0;
+    transport->GetCurrentMeter(&numerator, &denominator);
+    timeInfo.timeSigNumerator = numerator;
+    timeInfo.timeSigDenominator = denominator;
+    int64_t ticks = 0;
+    transport->GetCurrentTickPosition(&ticks);
+    timeInfo.ppqPos = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter) +
+                      static_cast<double>(start) / mSampleRate * tempo / 60.0;
+    bool playing = false;
+    transport->IsTransportPlaying(&playing);
+    if (playing)
+        timeInfo.flags |= kVstTransportPlaying;
+}
+
+// STANDARD: every event of the slice in one list, in time order, each a
+// complete VstMidiEvent as the VST 2 documentation describes it.
+void CFakeHostVST2::PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice)
+{
+    AAX_IMIDINode* inputNode = context->mMidiIn;
+    if (inputNode == nullptr || mEventRecords.empty())
+        return;
+    AAX_CMidiStream* stream = inputNode->GetNodeBuffer();
+    if (stream == nullptr || stream->mBuffer == nullptr || stream->mBufferSize == 0)
+        return;
+    auto* list = reinterpret_cast<VstEvents*>(mEventList.data());
+    VstInt32 count = 0;
+    for (uint32_t i = 0; i < stream->mBufferSize && count < kMaxEventsPerBuffer; ++i) {
+        const AAX_CMidiPacket& packet = stream->mBuffer[i];
+        const int64_t offset = static_cast<int64_t>(packet.mTimestamp) - start;
+        // Late stamps belong to the last slice, as they would to an unsliced buffer.
+        if (offset < 0 || (offset >= frames && !lastSlice))
+            continue;
+        VstMidiEvent& event = mEventRecords[static_cast<size_t>(count)];
+        event = VstMidiEvent{};
+        event.type = kVstMidiType;
+        event.byteSize = sizeof(VstMidiEvent);
+        event.deltaFrames = static_cast<VstInt32>(offset);
+        event.flags = packet.mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
+        const uint32_t length = std::min<uint32_t>(packet.mLength, 4);
+        for (uint32_t b = 0; b < length; ++b)
+            event.midiData[b] = static_cast<char>(packet.mData[b]);
+        list->events[count++] = reinterpret_cast<VstEvent*>(&event);
+    }
+    if (count == 0)
+        return;
+    // Insertion sort: stable (events of one time keep their order), nearly
+    // free on the usual already-ordered input, and it allocates nothing.
+    for (VstInt32 i = 1; i < count; ++i) {
+        VstEvent* moving = list->events[i];
+        VstInt32 j = i;
+        for (; j > 0 && list->events[j - 1]->deltaFrames > moving->deltaFrames; --j)
+            list->events[j] = list->events[j - 1];
+        list->events[j] = moving;
+    }
+    list->numEvents = count;
+    list->reserved = 0;
+    Dispatch(effProcessEvents, 0, 0, list);
 }

@@ -49,6 +49,15 @@ CVST2PluginLoader::EntryFunction CVST2PluginLoader::loadLibrary(const char* path
     return EntryFunction();
 }
 
+std::string CVST2PluginLoader::lastError() const
+{
+    if (!mLibrary)
+        return "nothing loaded";
+    if (mLibrary->handle == nullptr)
+        return mLibrary->lastError.empty() ? std::string("not loadable") : mLibrary->lastError;
+    return "none of VSTPluginMain, main, main_macho is exported";
+}
+
 bool CVST2PluginLoader::checkPlatform()
 {
     MV_LOG("init", kLogDebug,

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "vst2/VstInterface.h"
 
@@ -23,6 +24,8 @@ public:
 
     // Empty callable when the file cannot be opened or has no entry function.
     EntryFunction loadLibrary(const char* path);
+    // Why the last loadLibrary gave an empty callable.
+    std::string lastError() const;
 
     bool checkPlatform();
     void displayPluginsInfo(AEffect* effect);

@@ -6,6 +6,8 @@
 #include <exception>
 
 #include "AAX_CEffectParameters.h"
+#include "AAX_IController.h"
+#include "fakehost/FakeHostFactory.h"
 #include "logger/CLog.h"
 #include "sharedobject/SharedObject.h"
 #include "vst3/CPlugFrame.h"
@@ -58,7 +60,13 @@ constexpr const char* kAudioModuleClass = "Audio Module Class";
 using FactoryEntryFn = IPluginFactory*();
 }  // namespace
 
-CFakeHostVST3::CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path) : IFakeHost(owner)
+IFakeHost* CreateFakeHostVST3(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+{
+    return new CFakeHostVST3(owner, path, mode);
+}
+
+CFakeHostVST3::CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+    : IFakeHost(owner, mode)
 {
     // Both class records start zeroed (their constructors clear them).
 
@@ -72,6 +80,7 @@ CFakeHostVST3::CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path) : 
         MV_LOG("process", kLogNotice, "Loaded.");
     } else {
         MV_LOG("process", kLogNotice, "Library not found - Path = ", path);
+        mLoadError = path.empty() ? std::string("no plug-in file") : path + ": " + mModule->lastError;
     }
 
     std::function<FactoryEntryFn> getFactory = mModule->GetFunction<FactoryEntryFn>("GetPluginFactory", true);
@@ -79,9 +88,14 @@ CFakeHostVST3::CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path) : 
         mFactory = getFactory();
     } else {
         MV_LOG_AT("bundle", kLogError, "CFakeHostVST3", "Invalid Module ", path);
+        if (mLoadError.empty())
+            mLoadError = path + " exports no GetPluginFactory";
     }
-    if (!mFactory)
+    if (!mFactory) {
+        if (mLoadError.empty())
+            mLoadError = "GetPluginFactory of " + path + " gave no factory";
         return;
+    }
 
     ChooseAudioClass();
     mFactory->addRef();
@@ -136,7 +150,7 @@ CFakeHostVST3::~CFakeHostVST3()
         mModule->Close();
 }
 
-void CFakeHostVST3::Init()
+bool CFakeHostVST3::Init()
 {
     if (mFactory && !mVst3Loader) {
         // The loader gives back one factory reference once it is built: the
@@ -144,15 +158,73 @@ void CFakeHostVST3::Init()
         if (!mLoaderFactoryRef)
             mFactory->addRef();
         mLoaderFactoryRef = false;
-        mVst3Loader = new CVST3Loader(mFactory, mClassInfo.cid, mEffectParameters);
+        mVst3Loader = new CVST3Loader(mFactory, mClassInfo.cid, mEffectParameters, mHostMode);
     }
     MV_COND_ASSERT("fakehost", mVst3Loader != nullptr, "mVst3Loader!=0");
+    if (!mVst3Loader)
+        return false;
+    if (!mVst3Loader->getLoadError().empty()) {
+        mLoadError = mVst3Loader->getLoadError();
+        return false;
+    }
+    ReadParameterIds();
+    return mVst3Loader->getProcessor() != nullptr;
+}
+
+void CFakeHostVST3::ReadParameterIds()
+{
+    mParamIds.clear();
+    mParamHidden.clear();
+    IEditController* controller = mVst3Loader->getController();
+    if (!controller)
+        return;
+    auto lock = mVst3Loader->lockControllerAccess();
+    const int32 count = controller->getParameterCount();
+    for (int32 i = 0; i < count; ++i) {
+        ParameterInfo info{};
+        const bool known = controller->getParameterInfo(i, info) == kResultOk;
+        mParamIds.push_back(known ? info.id : static_cast<ParamID>(i));
+        mParamHidden.push_back(known && (info.flags & ParameterInfo::kIsHidden) != 0);
+    }
+}
+
+// CLASSIC: the identifier is the index. STANDARD: the plug-in's own ID.
+ParamID CFakeHostVST3::ParamIdOf(int index) const
+{
+    if (IsStandard() && index >= 0 && static_cast<size_t>(index) < mParamIds.size())
+        return mParamIds[static_cast<size_t>(index)];
+    return static_cast<ParamID>(index);
+}
+
+bool CFakeHostVST3::IsParameterPublished(int index)
+{
+    return index >= 0 && static_cast<size_t>(index) < mParamHidden.size() && !mParamHidden[static_cast<size_t>(index)];
+}
+
+uint32_t CFakeHostVST3::GetParameterTag(int index)
+{
+    return ParamIdOf(index);
 }
 
 void CFakeHostVST3::Setup()
 {
-    if (mVst3Loader)
+    if (!mVst3Loader)
+        return;
+    if (!IsStandard()) {
         mVst3Loader->setupProcessing();
+        return;
+    }
+    AAX_CSampleRate rate = 44100.0f;
+    if (AAX_IController* controller = mEffectParameters.Controller())
+        controller->GetSampleRate(&rate);
+    mVst3Loader->activate(rate > 0.0f ? static_cast<double>(rate) : 44100.0);
+}
+
+void CFakeHostVST3::ApplyPendingSettings()
+{
+    const double rate = mPendingRate.exchange(0.0);
+    if (IsStandard() && mVst3Loader && rate > 0.0)
+        mVst3Loader->activate(rate);
 }
 
 void CFakeHostVST3::Quit()
@@ -204,8 +276,11 @@ bool CFakeHostVST3::GetParameterInfo(int inParamIndex, std::string& outName, flo
     outDefault = static_cast<float>(info.defaultNormalizedValue);
     if (!utf16ToUtf8(info.title, sizeof(info.title) / sizeof(info.title[0]), outName))
         outName.clear();
-    MV_COND_ASSERT("fakehost", inParamIndex == static_cast<int>(info.id), "inParamIndex == info.id",
-                   " inParamIndex=", inParamIndex, " info.id=", info.id);
+    // Only CLASSIC requires identifiers to equal indices; STANDARD maps them.
+    if (!IsStandard()) {
+        MV_COND_ASSERT("fakehost", inParamIndex == static_cast<int>(info.id), "inParamIndex == info.id",
+                       " inParamIndex=", inParamIndex, " info.id=", info.id);
+    }
     return (info.flags & (ParameterInfo::kIsReadOnly | ParameterInfo::kIsHidden)) == 0;
 }
 
@@ -213,7 +288,7 @@ void CFakeHostVST3::AddInputChangeForProcessing(int index, double value)
 {
     if (!mVst3Loader || index < 0)
         return;
-    mVst3Loader->addParameterChange(static_cast<unsigned int>(index), value, 0);
+    mVst3Loader->addParameterChange(ParamIdOf(index), value, 0);
 }
 
 void CFakeHostVST3::AddInputChangeForGUI(int index, double value)
@@ -221,5 +296,5 @@ void CFakeHostVST3::AddInputChangeForGUI(int index, double value)
     if (!mVst3Loader || !mVst3Loader->getController() || index < 0)
         return;
     auto lock = mVst3Loader->lockControllerAccess();
-    mVst3Loader->getController()->setParamNormalized(static_cast<ParamID>(index), value);
+    mVst3Loader->getController()->setParamNormalized(ParamIdOf(index), value);
 }

@@ -3,14 +3,19 @@
 // AAX front end.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "pluginterfaces/base/ipluginbase.h"
 #include "pluginterfaces/gui/iplugview.h"
-#include "vst3/IFakeHost.h"
+#include "S_Alg_Context.h"
+#include "fakehost/IFakeHost.h"
+#include "pluginterfaces/vst/vsttypes.h"
 
 class AAX_IMIDINode;
+struct AAX_CMidiStream;
 class CVST3Loader;
 class CPlugFrame;
 
@@ -24,15 +29,19 @@ class ParameterChanges;
 
 class CFakeHostVST3 : public IFakeHost {
 public:
-    CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path);
+    CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path, EHostMode mode = EHostMode::kClassic);
     ~CFakeHostVST3() override;
 
     CFakeHostVST3(const CFakeHostVST3&) = delete;
     CFakeHostVST3& operator=(const CFakeHostVST3&) = delete;
 
-    void Init() override;
+    bool Init() override;
     void Setup() override;
     void Quit() override;
+    std::string GetLoadError() const override { return mLoadError; }
+    bool IsParameterPublished(int index) override;
+    uint32_t GetParameterTag(int index) override;
+    void ApplyPendingSettings() override;
     std::string GetPluginVendor() override;
     std::string GetPluginVersion() override;
     int32_t GetPluginProductUniqueID() override { return 0; }
@@ -50,6 +59,10 @@ public:
     // Real-time thread: the buffer's MIDI packets become events and changes.
     void PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
                          Morvane::vst3::ParameterChanges& changes);
+    // The same for the packets of one slice [start, start + frames) of the
+    // buffer, rebased to the slice; the last slice also takes late stamps.
+    void PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
+                         Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes);
 
     // For diagnostics and tests: null before Init and after Quit.
     CVST3Loader* GetLoader() const { return mVst3Loader; }
@@ -57,6 +70,12 @@ public:
 
 private:
     void ChooseAudioClass();
+    void ReadParameterIds();
+    Steinberg::Vst::ParamID ParamIdOf(int index) const;
+    void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
+    void FillProcessContext(S_Alg_Context* context, int32_t start);
+    void ForwardOutputEvents(S_Alg_Context* context, int32_t start);
+    void WriteSilence(S_Alg_Context* context);
 
     std::unique_ptr<Morvane::SharedObject> mModule;
     Steinberg::IPluginFactory* mFactory = nullptr;
@@ -67,4 +86,14 @@ private:
     Steinberg::PClassInfo2 mClassInfo2;
     Steinberg::IPlugView* mView = nullptr;
     CPlugFrame* mPlugFrame = nullptr;
+
+    std::string mLoadError;
+    // By index: the plug-in's parameter IDs and whether each is hidden.
+    std::vector<Steinberg::Vst::ParamID> mParamIds;
+    std::vector<bool> mParamHidden;
+    // STANDARD: a rate processing saw that the processor is not set up for.
+    std::atomic<double> mPendingRate{0.0};
+    // Channel pointers of one slice of a longer buffer.
+    float* mSliceInputs[kAlgBypassChannels] = {};
+    float* mSliceOutputs[2 + 2 * kNumOutputStems] = {};
 };

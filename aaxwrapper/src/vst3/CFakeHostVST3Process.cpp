@@ -2,6 +2,11 @@
 // and parameter changes, AAX channels into the VST 3 buses, one process call.
 #include "vst3/CFakeHostVST3.h"
 
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstring>
+
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
@@ -21,37 +26,134 @@ void CFakeHostVST3::Process(S_Alg_Context* context)
     if (!mVst3Loader || !context)
         return;
     CVST3Loader& loader = *mVst3Loader;
-
-    if (ProcessContext* pc = loader.getProcessData().processContext) {
-        pc->state = ProcessContext::kProjectTimeMusicValid | ProcessContext::kTempoValid | ProcessContext::kTimeSigValid;
-        if (context->mSampleRate)
-            pc->sampleRate = static_cast<double>(*context->mSampleRate);
-        AAX_ITransport* transport = context->mMidiTransport ? context->mMidiTransport->GetTransport() : nullptr;
-        if (transport) {
-            double tempo = 0.0;
-            if (transport->GetCurrentTempo(&tempo) == AAX_SUCCESS)
-                pc->tempo = tempo;
-            int32_t numerator = 0;
-            int32_t denominator = 0;
-            if (transport->GetCurrentMeter(&numerator, &denominator) == AAX_SUCCESS) {
-                pc->timeSigNumerator = numerator;
-                pc->timeSigDenominator = denominator;
-            }
-            int64_t ticks = 0;
-            if (transport->GetCurrentTickPosition(&ticks) == AAX_SUCCESS)
-                pc->projectTimeMusic = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
-            int64_t samplePosition = 0;
-            if (transport->GetCurrentNativeSampleLocation(&samplePosition) == AAX_SUCCESS)
-                pc->projectTimeSamples = samplePosition;
-            bool playing = false;
-            if (transport->IsTransportPlaying(&playing) == AAX_SUCCESS && playing)
-                pc->state |= ProcessContext::kPlaying;
+    const bool standard = IsStandard();
+    if (standard && !loader.gate().TryEnter()) {
+        WriteSilence(context);
+        return;
+    }
+    if (standard && context->mSampleRate) {
+        const double rate = static_cast<double>(*context->mSampleRate);
+        if (rate > 0.0 && rate != loader.getSampleRate())
+            mPendingRate.store(rate);
+    }
+    // Never more samples per call than the processor was promised: longer
+    // host buffers go through in slices.
+    const int32_t frames = context->mBufferLength ? *context->mBufferLength : 0;
+    const int32_t maxBlock = loader.getMaxBlock();
+    if (frames <= maxBlock) {
+        ProcessSlice(context, 0, frames, true);
+    } else {
+        for (int32_t start = 0; start < frames; start += maxBlock) {
+            const int32_t length = std::min(maxBlock, frames - start);
+            ProcessSlice(context, start, length, start + length >= frames);
         }
     }
+    if (standard)
+        loader.gate().Leave();
+}
 
-    PushInputEvents(context->mMidiIn, loader.getInputEvents(), loader.getInputChanges());
-    loader.setProcessingBuffers(context->mInputs, context->mOutputs);
-    loader.doProcess(context->mBufferLength ? *context->mBufferLength : 0);
+void CFakeHostVST3::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice)
+{
+    CVST3Loader& loader = *mVst3Loader;
+    FillProcessContext(context, start);
+    if (start == 0 && lastSlice) {
+        PushInputEvents(context->mMidiIn, loader.getInputEvents(), loader.getInputChanges());
+        loader.setProcessingBuffers(context->mInputs, context->mOutputs);
+    } else {
+        if (context->mMidiIn)
+            if (AAX_CMidiStream* stream = context->mMidiIn->GetNodeBuffer())
+                PushSliceEvents(*stream, start, frames, lastSlice, loader.getInputEvents(), loader.getInputChanges());
+        for (int c = 0; c < kAlgBypassChannels; ++c)
+            mSliceInputs[c] = context->mInputs && context->mInputs[c] ? context->mInputs[c] + start : nullptr;
+        for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
+            mSliceOutputs[c] = context->mOutputs && context->mOutputs[c] ? context->mOutputs[c] + start : nullptr;
+        loader.setProcessingBuffers(context->mInputs ? mSliceInputs : nullptr,
+                                    context->mOutputs ? mSliceOutputs : nullptr);
+    }
+    loader.doProcess(frames);
+    if (IsStandard())
+        ForwardOutputEvents(context, start);
+}
+
+void CFakeHostVST3::FillProcessContext(S_Alg_Context* context, int32_t start)
+{
+    ProcessContext* pc = mVst3Loader->getProcessData().processContext;
+    if (!pc)
+        return;
+    pc->state = ProcessContext::kProjectTimeMusicValid | ProcessContext::kTempoValid | ProcessContext::kTimeSigValid;
+    if (context->mSampleRate)
+        pc->sampleRate = IsStandard() ? mVst3Loader->getSampleRate() : static_cast<double>(*context->mSampleRate);
+    AAX_ITransport* transport = context->mMidiTransport ? context->mMidiTransport->GetTransport() : nullptr;
+    if (!transport)
+        return;
+    double tempo = 0.0;
+    if (transport->GetCurrentTempo(&tempo) == AAX_SUCCESS)
+        pc->tempo = tempo;
+    int32_t numerator = 0;
+    int32_t denominator = 0;
+    if (transport->GetCurrentMeter(&numerator, &denominator) == AAX_SUCCESS) {
+        pc->timeSigNumerator = numerator;
+        pc->timeSigDenominator = denominator;
+    }
+    int64_t ticks = 0;
+    if (transport->GetCurrentTickPosition(&ticks) == AAX_SUCCESS) {
+        pc->projectTimeMusic = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
+        if (start > 0 && pc->sampleRate > 0.0)
+            pc->projectTimeMusic += static_cast<double>(start) / pc->sampleRate * pc->tempo / 60.0;
+    }
+    int64_t samplePosition = 0;
+    if (transport->GetCurrentNativeSampleLocation(&samplePosition) == AAX_SUCCESS)
+        pc->projectTimeSamples = samplePosition + start;
+    bool playing = false;
+    if (transport->IsTransportPlaying(&playing) == AAX_SUCCESS && playing)
+        pc->state |= ProcessContext::kPlaying;
+}
+
+void CFakeHostVST3::WriteSilence(S_Alg_Context* context)
+{
+    const int32_t frames = context->mBufferLength ? *context->mBufferLength : 0;
+    if (!context->mOutputs || frames <= 0)
+        return;
+    for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
+        if (context->mOutputs[c])
+            std::memset(context->mOutputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
+}
+
+// STANDARD: notes the processor sends out become AAX MIDI output packets.
+void CFakeHostVST3::ForwardOutputEvents(S_Alg_Context* context, int32_t start)
+{
+    Morvane::vst3::EventList* events = mVst3Loader->getOutputEvents();
+    if (!events)
+        return;
+    AAX_IMIDINode* out = context->mMidiOut;
+    const int32 count = out ? events->getEventCount() : 0;
+    for (int32 i = 0; i < count; ++i) {
+        Event event{};
+        if (events->getEvent(i, event) != kResultOk)
+            continue;
+        AAX_CMidiPacket packet{};
+        packet.mTimestamp = static_cast<uint32_t>(std::max(0, event.sampleOffset + start));
+        packet.mLength = 3;
+        packet.mIsImmediate = 0;
+        if (event.type == Event::kNoteOnEvent) {
+            packet.mData[0] = static_cast<uint8_t>(0x90 | (event.noteOn.channel & 0x0F));
+            packet.mData[1] = static_cast<uint8_t>(event.noteOn.pitch & 0x7F);
+            packet.mData[2] = static_cast<uint8_t>(std::lround(std::clamp(event.noteOn.velocity, 0.0f, 1.0f) * 127.0f));
+        } else if (event.type == Event::kNoteOffEvent) {
+            packet.mData[0] = static_cast<uint8_t>(0x80 | (event.noteOff.channel & 0x0F));
+            packet.mData[1] = static_cast<uint8_t>(event.noteOff.pitch & 0x7F);
+            packet.mData[2] = static_cast<uint8_t>(std::lround(std::clamp(event.noteOff.velocity, 0.0f, 1.0f) * 127.0f));
+        } else if (event.type == Event::kPolyPressureEvent) {
+            packet.mData[0] = static_cast<uint8_t>(0xA0 | (event.polyPressure.channel & 0x0F));
+            packet.mData[1] = static_cast<uint8_t>(event.polyPressure.pitch & 0x7F);
+            packet.mData[2] =
+                static_cast<uint8_t>(std::lround(std::clamp(event.polyPressure.pressure, 0.0f, 1.0f) * 127.0f));
+        } else {
+            continue;
+        }
+        out->PostMIDIPacket(&packet);
+    }
+    events->clear();
 }
 
 void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
@@ -60,15 +162,25 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
     if (!midiNode || !mVst3Loader)
         return;
     AAX_CMidiStream* stream = midiNode->GetNodeBuffer();
-    if (!stream || !stream->mBuffer || stream->mBufferSize == 0)
+    if (!stream)
+        return;
+    PushSliceEvents(*stream, 0, INT32_MAX, true, events, changes);
+}
+
+void CFakeHostVST3::PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
+                                    Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes)
+{
+    if (!stream.mBuffer || stream.mBufferSize == 0 || !mVst3Loader)
         return;
     CVST3Loader& loader = *mVst3Loader;
     IEditController* controller = loader.getController();
     const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
+    const bool standard = IsStandard();
 
     // Adds one point to this block's input changes, then mirrors the value to
-    // the controller so that its editor follows. Only controller messages
-    // report the point in the log.
+    // the controller so that its editor follows: at once from this thread as
+    // CLASSIC has always done, or STANDARD through the queue the timer drains
+    // on the main thread. Only controller messages report the point.
     auto sendValue = [&](int32 parameter, double value, uint32_t timestamp, bool logPoint) {
         int32 queueIndex = 0;
         if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
@@ -78,12 +190,18 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
             int32 pointIndex = 0;
             queue->addPoint(static_cast<int32>(timestamp), value, pointIndex);
         }
-        if (controller)
-            controller->setParamNormalized(static_cast<ParamID>(parameter), value);
+        if (standard)
+            loader.queueForController(static_cast<ParamID>(parameter), value);
+        else if (controller)
+            controller->setParamNormalized(static_cast<ParamID>(parameter), value);  // audio thread, as specified
     };
 
-    for (uint32_t i = 0; i < stream->mBufferSize; ++i) {
-        const AAX_CMidiPacket& packet = stream->mBuffer[i];
+    for (uint32_t i = 0; i < stream.mBufferSize; ++i) {
+        AAX_CMidiPacket packet = stream.mBuffer[i];
+        const int64_t offset = static_cast<int64_t>(packet.mTimestamp) - start;
+        if (offset < 0 || (offset >= frames && !lastSlice))
+            continue;
+        packet.mTimestamp = static_cast<uint32_t>(offset);
         const uint8_t statusByte = packet.mData[0];
         const uint8_t status = statusByte & 0xF0;
         const int16 channel = static_cast<int16>(statusByte & 0x0F);
@@ -152,6 +270,14 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
             const int32 parameter = loader.getProgramChangeParameter(channel);
             if (parameter == -1 || !controller)
                 break;
+            if (standard) {
+                // Steps read at set-up: the controller is not asked from here.
+                const int32 steps = loader.getProgramChangeSteps(channel);
+                if (steps >= 1 && data1 <= steps)
+                    sendValue(parameter, static_cast<double>(data1) / static_cast<double>(steps), packet.mTimestamp,
+                              false);
+                break;
+            }
             ParameterInfo info{};
             // The identifier is used as an index, so keep it in range.
             if (parameter >= controller->getParameterCount() ||

@@ -43,13 +43,34 @@ bool sameObject(FUnknown* a, FUnknown* b)
 
 }  // namespace
 
-CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner)
-    : mOwner(owner), mFactory(factory)
+CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner, EHostMode mode)
+    : mOwner(owner),
+      mFactory(factory),
+      mStandard(mode == EHostMode::kStandard),
+      mMaxBlock(mode == EHostMode::kStandard ? kStandardMaxBlock : kMaxBlockSize)
 {
     mProgramChangeParameter.fill(-1);
-    if (!mFactory || !classId)
+    if (!mFactory || !classId) {
+        mLoadError = "the module has no plug-in factory";
         return;
+    }
+    if (mStandard)
+        createStandard(classId);
+    else
+        createClassic(classId);
+    if (mProcessor && !mController)
+        MV_LOG("fakehost", kLogWarning, "VST3 plug-in without edit controller");
 
+    if (!init()) {
+        MV_LOG("fakehost", kLogError, "VST3 component initialization failed");
+        if (mLoadError.empty())
+            mLoadError = "the VST 3 component failed to initialise";
+    }
+    mFactory->release();
+}
+
+void CVST3Loader::createClassic(const char* classId)
+{
     if (mFactory->createInstance(classId, IAudioProcessor::iid, reinterpret_cast<void**>(&mProcessor)) != kResultOk)
         mProcessor = nullptr;
     if (mProcessor) {
@@ -70,13 +91,38 @@ CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffe
         }
     } else {
         MV_LOG("fakehost", kLogError, "VST3 processor creation failed");
+        mLoadError = "the factory created no IAudioProcessor for the audio class";
     }
-    if (mProcessor && !mController)
-        MV_LOG("fakehost", kLogWarning, "VST3 plug-in without edit controller");
+}
 
-    if (!init())
-        MV_LOG("fakehost", kLogError, "VST3 component initialization failed");
-    mFactory->release();
+// The VST 3 documentation's host workflow: the class is created as a
+// component, the processor is queried from it, and the controller is the
+// class the component names, or the component itself.
+void CVST3Loader::createStandard(const char* classId)
+{
+    IComponent* component = nullptr;
+    if (mFactory->createInstance(classId, IComponent::iid, reinterpret_cast<void**>(&component)) != kResultOk ||
+        !component) {
+        MV_LOG("fakehost", kLogError, "VST3 component creation failed");
+        mLoadError = "the factory created no IComponent for the audio class";
+        return;
+    }
+    if (component->queryInterface(IAudioProcessor::iid, reinterpret_cast<void**>(&mProcessor)) != kResultOk)
+        mProcessor = nullptr;
+    if (!mProcessor) {
+        mLoadError = "the component is no IAudioProcessor";
+        component->release();
+        return;
+    }
+    TUID controllerId;
+    if (component->getControllerClassId(controllerId) == kResultOk &&
+        mFactory->createInstance(controllerId, IEditController::iid, reinterpret_cast<void**>(&mController)) !=
+            kResultOk)
+        mController = nullptr;
+    if (!mController &&
+        component->queryInterface(IEditController::iid, reinterpret_cast<void**>(&mController)) != kResultOk)
+        mController = nullptr;
+    component->release();
 }
 
 bool CVST3Loader::init()
@@ -154,6 +200,7 @@ void CVST3Loader::setupParameters()
             programChanges.push_back(info);
     }
 
+    mProgramChangeSteps.fill(0);
     for (int channel = 0; channel < kMidiChannels; ++channel) {
         int32& programParameter = mProgramChangeParameter[static_cast<size_t>(channel)];
         programParameter = -1;
@@ -171,6 +218,7 @@ void CVST3Loader::setupParameters()
                 for (const ParameterInfo& info : programChanges) {
                     if (info.unitId == unitId) {
                         programParameter = static_cast<int32>(info.id);
+                        mProgramChangeSteps[static_cast<size_t>(channel)] = info.stepCount;
                         break;
                     }
                 }
@@ -245,10 +293,6 @@ bool CVST3Loader::setupProcessing()
 {
     if (!mProcessor)
         return false;
-    ProcessSetup setup{};
-    setup.processMode = kRealtime;
-    setup.symbolicSampleSize = kSample32;
-    setup.maxSamplesPerBlock = kMaxBlockSize;
     AAX_CSampleRate sampleRate = 44100.0f;
     if (AAX_IController* controller = mOwner.Controller()) {
         controller->GetSampleRate(&sampleRate);
@@ -256,8 +300,38 @@ bool CVST3Loader::setupProcessing()
         MV_LOG_AT("warning", kLogNotice, "setupProcessing", "No AAX controller - Setup hard-coded to 44100");
         sampleRate = 44100.0f;
     }
-    setup.sampleRate = static_cast<SampleRate>(sampleRate);
+    return configureProcessing(static_cast<SampleRate>(sampleRate));
+}
+
+bool CVST3Loader::configureProcessing(double sampleRate)
+{
+    ProcessSetup setup{};
+    setup.processMode = kRealtime;
+    setup.symbolicSampleSize = kSample32;
+    setup.maxSamplesPerBlock = mMaxBlock;
+    setup.sampleRate = sampleRate;
+    mSampleRate = sampleRate;
     return mProcessor->setupProcessing(setup) == kResultOk;
+}
+
+bool CVST3Loader::activate(double sampleRate)
+{
+    if (!mProcessor || !mComponent)
+        return false;
+    if (mActive && sampleRate == mSampleRate)
+        return true;
+    Morvane::CProcessGateClosed closed(mGate);
+    if (mActive) {
+        if (mProcessingStarted)
+            mProcessor->setProcessing(false);
+        mProcessingStarted = false;
+        mComponent->setActive(false);
+        mActive = false;
+    }
+    MV_LOG("fakehost", kLogInfo, "VST3 - set up at ", sampleRate, " Hz, at most ", mMaxBlock, " samples");
+    const bool configured = configureProcessing(sampleRate);
+    mActive = mComponent->setActive(true) == kResultOk;
+    return configured && mActive;
 }
 
 std::unique_lock<std::recursive_mutex> CVST3Loader::lockControllerAccess()
@@ -278,6 +352,7 @@ void CVST3Loader::releaseAll()
 
 CVST3Loader::~CVST3Loader()
 {
+    Morvane::CProcessGateClosed closed(mGate);
     if (mProcessor)
         mProcessor->setProcessing(false);
     if (mComponent)

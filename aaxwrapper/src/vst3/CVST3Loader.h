@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "pluginterfaces/base/ipluginbase.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -16,6 +17,8 @@
 #include "pluginterfaces/vst/ivstmessage.h"
 #include "pluginterfaces/vst/ivstprocesscontext.h"
 #include "pluginterfaces/vst/ivstunits.h"
+#include "ProcessGate.h"
+#include "fakehost/HostMode.h"
 #include "public.sdk/source/common/memorystream.h"
 #include "vst3/hosting/EventList.h"
 #include "vst3/hosting/HostProcessData.h"
@@ -40,7 +43,8 @@ public:
     static constexpr uint32_t kTimerMilliseconds = 50;
     using MidiControllerTable = std::array<std::array<Steinberg::int32, kMidiControllerEntries>, kMidiChannels>;
 
-    CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner);
+    CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner,
+                EHostMode mode = EHostMode::kClassic);
     virtual ~CVST3Loader();
 
     CVST3Loader(const CVST3Loader&) = delete;
@@ -51,6 +55,17 @@ public:
     void setupBuses();
     void initMidiCtrlerAssignment();
     bool setupProcessing();
+    // STANDARD, main thread: set up at this rate and switch the component on;
+    // again (switched off meanwhile, processing held off) on a rate change.
+    bool activate(double sampleRate);
+    // Why the pair could not be made; empty when it was.
+    const std::string& getLoadError() const { return mLoadError; }
+    // The most samples one process call may be given.
+    Steinberg::int32 getMaxBlock() const { return mMaxBlock; }
+    double getSampleRate() const { return mSampleRate; }
+    bool isStandard() const { return mStandard; }
+    // Held off while the main thread changes the set-up.
+    Morvane::CProcessGate& gate() { return mGate; }
     Steinberg::int32 countMainBusChannels(Steinberg::Vst::BusDirection direction, uint64_t& mask);
 
     // Main thread: queues a host change for the controller, then the processor.
@@ -58,6 +73,11 @@ public:
     // Real-time thread.
     void setProcessingBuffers(float* const* inputs, float* const* outputs);
     void doProcess(int numSamples);
+    // STANDARD, real-time thread: a value for the controller, delivered by
+    // the timer on the main thread.
+    void queueForController(Steinberg::Vst::ParamID id, double value);
+    // STANDARD: steps of the channel's program-change parameter, read at set-up.
+    Steinberg::int32 getProgramChangeSteps(int channel) const { return mProgramChangeSteps[static_cast<size_t>(channel)]; }
 
     // Main thread: held while talking to the controller, so that the timer
     // thread's onTimer never runs at the same time.
@@ -101,6 +121,10 @@ public:
     Morvane::vst3::Timer* getTimer() const { return mTimer.get(); }
 
 private:
+    void createClassic(const char* classId);
+    void createStandard(const char* classId);
+    bool configureProcessing(double sampleRate);
+    void rereadParameterValues();
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
 
@@ -133,6 +157,14 @@ private:
     bool mControllerInitialized = false;
     bool mConnected = false;
     bool mProcessingStarted = false;
+    bool mActive = false;
+
+    const bool mStandard;
+    const Steinberg::int32 mMaxBlock;
+    double mSampleRate = 0.0;
+    std::string mLoadError;
+    Morvane::CProcessGate mGate;
+    std::array<Steinberg::int32, kMidiChannels> mProgramChangeSteps{};
 
     std::unique_ptr<MidiControllerTable> mMidiCCMapping;
     std::array<Steinberg::int32, kMidiChannels> mProgramChangeParameter{};

@@ -12,7 +12,9 @@ using namespace Steinberg::Vst;
 
 namespace {
 struct ParamIdText {
-    explicit ParamIdText(ParamID id) { std::snprintf(text, sizeof(text), "%d", static_cast<int>(id)); }
+    // Unsigned, as the front end spells parameter tags; the same text as "%d"
+    // for every identifier below 2^31.
+    explicit ParamIdText(ParamID id) { std::snprintf(text, sizeof(text), "%u", static_cast<unsigned>(id)); }
     char text[32];
 };
 }  // namespace
@@ -41,9 +43,17 @@ tresult PLUGIN_API CVST3Loader::restartComponent(int32 flags)
 {
     tresult result = kResultFalse;
     if (flags & kIoChanged) {
-        setupBuses();
+        // STANDARD: never rebuild the buses under a running process call.
+        if (mStandard) {
+            Morvane::CProcessGateClosed closed(mGate);
+            setupBuses();
+        } else {
+            setupBuses();
+        }
         result = kResultOk;
     }
+    if (mStandard && (flags & kParamValuesChanged))
+        rereadParameterValues();
     // Accepted but not acted upon: values and titles are read when needed,
     // and the AAX side has no latency to report.
     if (flags & (kParamValuesChanged | kParamTitlesChanged))
@@ -62,6 +72,25 @@ tresult PLUGIN_API CVST3Loader::notifyUnitSelection(UnitID /*unitId*/) { return 
 tresult PLUGIN_API CVST3Loader::notifyProgramListChange(ProgramListID /*listId*/, int32 /*programIndex*/)
 {
     return kResultOk;
+}
+
+// STANDARD: the controller's values become the AAX parameters' values, so
+// that the host's automation and display follow the plug-in.
+void CVST3Loader::rereadParameterValues()
+{
+    if (!mController)
+        return;
+    const int32 count = mController->getParameterCount();
+    for (int32 i = 0; i < count; ++i) {
+        ParameterInfo info{};
+        if (mController->getParameterInfo(i, info) != kResultOk || (info.flags & ParameterInfo::kIsHidden))
+            continue;
+        const double value = mController->getParamNormalized(info.id);
+        const ParamIdText id(info.id);
+        double current = 0.0;
+        if (mOwner.GetParameterNormalizedValue(id.text, &current) == 0 && current != value)
+            mOwner.SetParameterNormalizedValue(id.text, value);
+    }
 }
 
 void CVST3Loader::drainToController(Morvane::vst3::ParameterChangeTransfer& queue)

@@ -11,6 +11,11 @@ void CVST3Loader::addParameterChange(unsigned int id, double value, int sampleOf
     mHostToProcessor.addChange(id, value, sampleOffset);
 }
 
+void CVST3Loader::queueForController(ParamID id, double value)
+{
+    mProcessorToController.addChange(id, value, 0);
+}
+
 void CVST3Loader::setProcessingBuffers(float* const* inputs, float* const* outputs)
 {
     int32 k = 0;

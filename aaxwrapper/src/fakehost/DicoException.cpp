@@ -1,4 +1,4 @@
-#include "vst3/IFakeHost.h"
+#include "fakehost/IFakeHost.h"
 
 const char* const _DicoException[11] = {
     "Bundle not loaded - File not found.",

@@ -1,0 +1,65 @@
+// The one abstract VST host through which the AAX front end drives the
+// wrapped plug-in, whatever its format. Operations are grouped by the thread
+// that may call them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "fakehost/HostMode.h"
+
+class AAX_CEffectParameters;
+class AAX_IViewContainer;
+struct S_Alg_Context;
+
+// Catalogue of hosting failure texts, kept in this order.
+extern const char* const _DicoException[11];
+
+class IFakeHost {
+public:
+    explicit IFakeHost(AAX_CEffectParameters& owner, EHostMode mode = EHostMode::kClassic)
+        : mEffectParameters(owner), mHostMode(mode)
+    {
+    }
+    virtual ~IFakeHost() = default;
+
+    // --- Main thread: life cycle, description, parameters, state. ---------
+    // True when the plug-in objects exist; otherwise GetLoadError says why.
+    virtual bool Init() = 0;
+    virtual void Setup() = 0;
+    virtual void Quit() = 0;
+    virtual std::string GetLoadError() const { return std::string(); }
+    virtual std::string GetPluginVendor() = 0;
+    virtual std::string GetPluginVersion() = 0;
+    virtual int32_t GetPluginProductUniqueID() = 0;
+    virtual int GetParameterCount() = 0;
+    virtual bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) = 0;
+    // Whether parameter `index` becomes an AAX parameter, and the number its
+    // AAX identifier is made of (the index, or the plug-in's own parameter
+    // ID where the format has stable ones).
+    virtual bool IsParameterPublished(int /*index*/) { return true; }
+    virtual uint32_t GetParameterTag(int index) { return static_cast<uint32_t>(index); }
+    virtual void AddInputChangeForProcessing(int index, double value) = 0;
+    virtual void AddInputChangeForGUI(int index, double value) = 0;
+    virtual void GetState(unsigned int* outSize, void* outpData) = 0;
+    virtual void SetState(unsigned int inSize, void* inpData) = 0;
+    // Periodic: applies a sample-rate change that processing has seen.
+    virtual void ApplyPendingSettings() {}
+
+    // --- Main thread, from the editor view bridge. --------------------------
+    virtual void QuitGUI() = 0;
+    virtual void CreateGUI(AAX_IViewContainer* container) = 0;
+    virtual void GetViewSize(float& outWidth, float& outHeight) = 0;
+    virtual int32_t TimerWakeup() { return 0; }
+
+    // --- Real-time thread: never blocks, never allocates. -------------------
+    virtual void Process(S_Alg_Context* context) = 0;
+
+    EHostMode GetHostMode() const { return mHostMode; }
+
+protected:
+    bool IsStandard() const { return mHostMode == EHostMode::kStandard; }
+
+    AAX_CEffectParameters& mEffectParameters;
+    const EHostMode mHostMode;
+};
