@@ -66,10 +66,18 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
             mLoadError = "no fake host for the extension " + VST_PLUGIN_EXTENSION;
         return;
     }
-    // A host whose Init failed stays: its later answers are neutral.
-    bool loaded = false;
-    CallFakeHost("Init", [&] {
-        // Asked whatever the log keeps: the plug-in sees the same calls either way.
+    // STANDARD waits for EffectInit, where the host's sample rate is known:
+    // plug-ins set themselves up for the rate they are created at.
+    if (!IsStandard()) {
+        LogPluginInfo();
+        InitFakeHost();
+    }
+}
+
+void AAXWrapper_Parameters::LogPluginInfo()
+{
+    // Asked whatever the log keeps: the plug-in sees the same calls either way.
+    CallFakeHost("GetPluginVendor", [&] {
         const std::string vendor = mFakeHost->GetPluginVendor();
         const std::string version = mFakeHost->GetPluginVersion();
         const int32_t uniqueID = mFakeHost->GetPluginProductUniqueID();
@@ -78,12 +86,18 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
         MV_LOG("fakehost", kLogNotice, "## Version  : ", version);
         MV_LOG("fakehost", kLogNotice, "## Unique ID: ", uniqueID);
         MV_LOG("fakehost", kLogNotice, "########################################");
-        loaded = mFakeHost->Init();
     });
+}
+
+// A host whose Init failed stays: its later answers are neutral.
+void AAXWrapper_Parameters::InitFakeHost()
+{
+    bool loaded = false;
+    CallFakeHost("Init", [&] { loaded = mFakeHost->Init(); });
     if (!loaded && mLoadError.empty()) {
         mLoadError = mFakeHost->GetLoadError();
         if (mLoadError.empty())
-            mLoadError = "the plug-in in " + path + " could not be created";
+            mLoadError = "the plug-in in " + mPluginPath + " could not be created";
     }
     if (loaded)
         mLoadError.clear();
@@ -138,6 +152,10 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
     mParameterManager.AddParameter(bypass);
     mPacketDispatcher.RegisterPacket(kMasterBypassID, kAlgField_Bypass);
 
+    if (IsStandard() && mFakeHost != nullptr) {
+        InitFakeHost();
+        LogPluginInfo();
+    }
     if (IsStandard() && !mLoadError.empty()) {
         // A host reports an instance that fails here; one that silently
         // renders nothing would ship unnoticed.
@@ -166,6 +184,9 @@ void AAXWrapper_Parameters::PublishPluginParameters()
             const uint32_t tag = mFakeHost->GetParameterTag(index);
             std::snprintf(id, sizeof(id), "%u", tag);
             mIndexByTag[tag] = index;
+            // What the plug-in holds now counts as received: restoring the
+            // same value later sends nothing.
+            mFakeHost->GetParameterValue(index, mLastValues[static_cast<size_t>(index)]);
         } else {
             std::snprintf(id, sizeof(id), "%d", index);
         }

@@ -53,6 +53,8 @@ public:
 private:
     void LogBundleInfo() const;
     void CreateFakeHost(std::string& path);
+    void InitFakeHost();
+    void LogPluginInfo();
     void PublishPluginParameters();
     void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);

@@ -12,8 +12,22 @@ namespace AAXHostTest {
 
 namespace {
 
+// The block size a STANDARD host announces (the wrapper's kStandardMaxBlock).
+constexpr VstInt32 kStandardBlock = 4096;
+
+// Set only while a standard-host render runs: answers the rate as a number,
+// also from inside the entry function.
+thread_local bool tStandardHost = false;
+thread_local double tRate = 0.0;
+
 VstIntPtr HostCallback(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr, void* ptr, float)
 {
+    if (tStandardHost) {
+        if (opcode == audioMasterGetSampleRate)
+            return static_cast<VstIntPtr>(tRate);
+        if (opcode == audioMasterGetBlockSize)
+            return kStandardBlock;
+    }
     switch (opcode) {
     case audioMasterVersion: return kVstVersion;
     case audioMasterIdle: return 1;
@@ -36,6 +50,8 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
         error = dlerror();
         return false;
     }
+    tStandardHost = config.standardHost;
+    tRate = config.sampleRate;
     auto entry = reinterpret_cast<VstPluginMainProc>(dlsym(lib, "VSTPluginMain"));
     if (!entry)
         entry = reinterpret_cast<VstPluginMainProc>(dlsym(lib, "main"));
@@ -50,8 +66,17 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
         return effect->dispatcher(effect, op, index, value, ptr, opt);
     };
     dispatch(effOpen, 0, 0, nullptr, 0.0f);
-    dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
-    dispatch(effSetProgram, 0, 0, nullptr, 0.0f);
+    if (config.standardHost) {
+        time.sampleRate = config.sampleRate;
+        dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(config.sampleRate));
+        dispatch(effSetBlockSize, 0, kStandardBlock, nullptr, 0.0f);
+        dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
+    } else {
+        dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
+        dispatch(effSetProgram, 0, 0, nullptr, 0.0f);
+    }
+    for (VstInt32 i = 0; i < effect->numParams; ++i)
+        result.initialParameters.push_back(effect->getParameter(effect, i));
 
     for (const auto& p : config.parametersAtStart)
         effect->setParameter(effect, p.first, p.second);
@@ -63,11 +88,13 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
         dispatch(effSetChunk, 0, static_cast<VstIntPtr>(config.chunkAtStart.size()), chunk.data(), 0.0f);
     }
 
-    // As the wrapper does on its first buffer: suspend, set the rate, resume.
-    time.sampleRate = config.sampleRate;
-    dispatch(effMainsChanged, 0, 0, nullptr, 0.0f);
-    dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(config.sampleRate));
-    dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
+    // As the CLASSIC wrapper does on its first buffer: suspend, set the rate, resume.
+    if (!config.standardHost) {
+        time.sampleRate = config.sampleRate;
+        dispatch(effMainsChanged, 0, 0, nullptr, 0.0f);
+        dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(config.sampleRate));
+        dispatch(effMainsChanged, 0, 1, nullptr, 0.0f);
+    }
 
     const size_t block = static_cast<size_t>(config.blockSize);
     std::vector<std::vector<float>> in(32, std::vector<float>(block)), out(34, std::vector<float>(block));
@@ -131,6 +158,7 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
         result.chunkAtEnd.assign(static_cast<char*>(chunk), static_cast<char*>(chunk) + chunkSize);
     dispatch(effMainsChanged, 0, 0, nullptr, 0.0f);
     dispatch(effClose, 0, 0, nullptr, 0.0f);
+    tStandardHost = false;
     // The library stays loaded: plug-ins may leave threads or atexit handlers.
     return true;
 }

@@ -20,6 +20,10 @@ struct SDirectRenderConfig {
     int64_t totalSamples = 0;
     bool testInput = false;
     bool oneEventPerCall = false;  // as the wrapper delivers them, instead of one list per buffer
+    // As a mainstream host (and the wrapper's STANDARD mode) does: the rate
+    // and block size before the first resume, the rate answered as a number,
+    // no program selected; otherwise as the wrapper's CLASSIC mode does.
+    bool standardHost = false;
     std::vector<std::pair<int, float>> parametersAtStart;  // index, value
     std::vector<char> chunkAtStart;  // given to effSetChunk (bank) when not empty
 };
@@ -27,6 +31,7 @@ struct SDirectRenderConfig {
 struct SDirectRenderResult {
     std::vector<std::vector<float>> outputs;  // per channel, totalSamples each
     std::vector<char> chunkAtEnd;  // effGetChunk (bank) after the render
+    std::vector<float> initialParameters;  // getParameter of each parameter once opened
 };
 
 bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedule& schedule,

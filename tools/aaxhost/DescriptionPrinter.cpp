@@ -143,6 +143,7 @@ json DescriptionToJson(const SPluginInfo& info, const SDescribeContext& where)
     return {{"format", "aaxhost-describe-1"},
             {"bundle", where.bundlePath},
             {"library", where.libraryPath},
+            {"wrapper", WrapperStatusToJson(where.wrapper)},
             {"sdk_version", Hex(info.sdkVersion, 16)},
             {"manufacturer", info.manufacturerName},
             {"package_names", info.packageNames},
@@ -155,7 +156,12 @@ json DescriptionToJson(const SPluginInfo& info, const SDescribeContext& where)
 void PrintDescription(std::ostream& out, const SPluginInfo& info, const SDescribeContext& where)
 {
     out << "Bundle:          " << where.bundlePath << "\n"
-        << "Library:         " << where.libraryPath << "\n"
+        << "Library:         " << where.libraryPath << "\n";
+    if (where.wrapper.present)
+        out << "Host mode:       " << where.wrapper.mode << "\n"
+            << "Wraps:           " << (where.wrapper.plugin.empty() ? "(nothing found)" : where.wrapper.plugin)
+            << (where.wrapper.loaded ? "" : " (not loaded: " + where.wrapper.error + ")") << "\n";
+    out
         << "SDK version:     " << Hex(info.sdkVersion, 16) << "\n"
         << "Manufacturer:    " << info.manufacturerName << "\n";
     for (const auto& n : info.packageNames)

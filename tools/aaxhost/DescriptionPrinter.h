@@ -2,6 +2,8 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+
+#include "WrapperStatus.h"
 #include <ostream>
 #include <string>
 
@@ -13,6 +15,7 @@ struct SDescribeContext {
     std::string bundlePath;
     std::string libraryPath;
     int32_t canUnloadNow = -1;
+    SWrapperStatus wrapper;  // empty for bundles that are no wrapper
 };
 
 nlohmann::json DescriptionToJson(const SPluginInfo& info, const SDescribeContext& where);

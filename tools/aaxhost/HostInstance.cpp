@@ -69,11 +69,18 @@ bool CHostInstance::Create(std::string& error)
                                       PropertyOr(mComponent, AAX_eProperty_OutputStemFormat, AAX_eStemFormat_Stereo),
                                       mTransport);
     const AAX_Result r = mEffect->Initialize(static_cast<AAX_IACFController*>(mController));
+    mWrapperStatus = ReadWrapperStatus(*mEffect);
+    // A wrapper around nothing would render silence and look like success.
+    const bool notLoaded = mWrapperStatus.present && !mWrapperStatus.loaded;
     if (r != AAX_SUCCESS) {
-        error = "Initialize failed with " + ResultText(r);
+        error = notLoaded ? NotLoadedMessage(mWrapperStatus) : "Initialize failed with " + ResultText(r);
         return false;
     }
     mInitialized = true;
+    if (notLoaded) {
+        error = NotLoadedMessage(mWrapperStatus);
+        return false;
+    }
     mController->SetEffect(mEffect);
     return BuildContext(error);
 }

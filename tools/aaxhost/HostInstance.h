@@ -13,6 +13,7 @@
 #include "HostMidiNode.h"
 #include "PluginDescription.h"
 #include "TransportState.h"
+#include "WrapperStatus.h"
 
 namespace AAXHost {
 
@@ -45,6 +46,8 @@ public:
     int32_t InputChannels() const { return mConfig.inputChannels; }
 
     AAX_IACFEffectParameters* Effect() { return mEffect; }
+    // Read at Create: a wrapper's host mode and the state of its plug-in.
+    const SWrapperStatus& WrapperStatus() const { return mWrapperStatus; }
     CHostController* Controller() { return mController; }
     const CHostMidiNode* MidiOut() const;
     size_t MidiInCount() const { return mMidiInCount; }
@@ -76,6 +79,7 @@ private:
     AAX_IACFEffectParameters* mEffect = nullptr;  // one reference
     CHostController* mController = nullptr;        // one reference
     bool mInitialized = false;
+    SWrapperStatus mWrapperStatus;
 
     std::vector<void*> mSlots;
     std::vector<std::unique_ptr<CHostMidiNode>> mMidiNodes;

@@ -11,7 +11,7 @@
 namespace AAXHost {
 
 bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
-                    std::string& error)
+                    SWrapperStatus& wrapper, std::string& error)
 {
     out.clear();
     const SEffectInfo* effect = session.FindEffect(effectID, error);
@@ -23,7 +23,9 @@ bool ListParameters(CPluginSession& session, const std::string& effectID, std::v
     SInstanceConfig config;
     SetPhase("instance creation");
     CHostInstance instance(*effect, component ? *component : kNoComponent, config, transport);
-    if (!instance.Create(error))
+    const bool created = instance.Create(error);
+    wrapper = instance.WrapperStatus();
+    if (!created)
         return false;
     SetPhase("reading parameters");
     AAX_IACFEffectParameters& params = *instance.Effect();
@@ -63,7 +65,7 @@ bool ListParameters(CPluginSession& session, const std::string& effectID, std::v
     return true;
 }
 
-nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params)
+nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params, const SWrapperStatus& wrapper)
 {
     nlohmann::json arr = nlohmann::json::array();
     for (const auto& p : params)
@@ -75,11 +77,13 @@ nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params)
                        {"steps", p.steps},
                        {"automatable", p.automatable},
                        {"master_bypass", p.isMasterBypass}});
-    return {{"format", "aaxhost-params-1"}, {"parameters", arr}};
+    return {{"format", "aaxhost-params-1"}, {"wrapper", WrapperStatusToJson(wrapper)}, {"parameters", arr}};
 }
 
-void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params)
+void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params, const SWrapperStatus& wrapper)
 {
+    if (wrapper.present)
+        out << "host mode " << wrapper.mode << ", wrapping " << wrapper.plugin << "\n";
     char line[256];
     for (const auto& p : params) {
         std::snprintf(line, sizeof line, "%-16s %-24s value %.4f (default %.4f) \"%s\" steps %d%s%s\n", p.id.c_str(),

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "WrapperStatus.h"
+
 namespace AAXHost {
 
 class CPluginSession;
@@ -22,9 +24,11 @@ struct SParameterInfo {
     bool isMasterBypass = false;
 };
 
+// `wrapper` receives what a wrapper bundle says of its plug-in (host mode,
+// file); it stays empty for other bundles.
 bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
-                    std::string& error);
-nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params);
-void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params);
+                    SWrapperStatus& wrapper, std::string& error);
+nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params, const SWrapperStatus& wrapper);
+void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params, const SWrapperStatus& wrapper);
 
 }  // namespace AAXHost

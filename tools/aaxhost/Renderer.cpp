@@ -261,6 +261,7 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
         config.editorAt < 0.0 ? -1 : static_cast<int64_t>(std::llround(config.editorAt * config.sampleRate));
 
     SetPhase("rendering");
+    int64_t nextWakeup = 0;
     const auto started = std::chrono::steady_clock::now();
     for (const SBlock& block : PlanBlocks(total, config.blockSize)) {
         transport.samplePosition = block.start;
@@ -311,6 +312,14 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
         if (editor.IsOpen()) {
             SetPhase("the view's timer");
             editor.Idle();
+            SetPhase("rendering");
+        }
+        // A host wakes each data model about every 50 ms on its main thread.
+        if (block.start + block.frames >= nextWakeup) {
+            SetPhase("the data model's timer (TimerWakeup)");
+            for (auto& inst : instances)
+                inst->Effect()->TimerWakeup();
+            nextWakeup += std::max<int64_t>(1, std::llround(0.05 * config.sampleRate));
             SetPhase("rendering");
         }
         progress.Show(block.start + block.frames, total);

@@ -12,6 +12,7 @@
 #include "ParameterList.h"
 #include "PluginSession.h"
 #include "Renderer.h"
+#include "WrapperStatus.h"
 
 using namespace AAXHost;
 
@@ -40,8 +41,9 @@ int Describe(const std::string& bundle, bool json)
     std::string error;
     if (!session.Open(bundle, error))
         return Fail(error);
+    const SWrapperStatus wrapper = ProbeWrapperStatus(session);
     const bool closed = session.Close(error);
-    SDescribeContext where{bundle, session.Bundle().libraryPath, session.LastCanUnloadNow()};
+    SDescribeContext where{bundle, session.Bundle().libraryPath, session.LastCanUnloadNow(), wrapper};
     if (json)
         jsonOut.Write(DescriptionToJson(session.Info(), where));
     else
@@ -76,14 +78,15 @@ int DoParams(const std::string& bundle, const std::string& effectID, bool json)
     if (!session.Open(bundle, error))
         return Fail(error);
     std::vector<SParameterInfo> params;
-    if (!ListParameters(session, effectID, params, error)) {
+    SWrapperStatus wrapper;
+    if (!ListParameters(session, effectID, params, wrapper, error)) {
         const int code = Fail(error);
         return CloseSession(session, code);
     }
     if (json)
-        jsonOut.Write(ParametersToJson(params));
+        jsonOut.Write(ParametersToJson(params, wrapper));
     else
-        PrintParameters(std::cout, params);
+        PrintParameters(std::cout, params, wrapper);
     return CloseSession(session, 0);
 }
 

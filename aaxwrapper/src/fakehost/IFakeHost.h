@@ -39,6 +39,8 @@ public:
     // ID where the format has stable ones).
     virtual bool IsParameterPublished(int /*index*/) { return true; }
     virtual uint32_t GetParameterTag(int index) { return static_cast<uint32_t>(index); }
+    // The parameter's present value, normalised; false when it cannot tell.
+    virtual bool GetParameterValue(int /*index*/, double& /*outValue*/) { return false; }
     virtual void AddInputChangeForProcessing(int index, double value) = 0;
     virtual void AddInputChangeForGUI(int index, double value) = 0;
     virtual void GetState(unsigned int* outSize, void* outpData) = 0;

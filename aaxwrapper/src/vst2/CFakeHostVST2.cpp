@@ -28,15 +28,30 @@ CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EH
                                   : "no VST 2 entry point in " + path + " (" + loader.lastError() + ")";
         return;
     }
+    mPath = path;
+    // STANDARD creates the effect in Init, once the host's rate is known:
+    // plug-ins ask for it from inside their entry function.
+    if (IsStandard())
+        mEntry = entry;
+    else
+        CreateEffect(entry);
+}
+
+thread_local CFakeHostVST2* CFakeHostVST2::sCreating = nullptr;
+
+void CFakeHostVST2::CreateEffect(const CVST2PluginLoader::EntryFunction& entry)
+{
     MV_LOG("bundle", kLogDebug, "HOST> Create effect in progress...");
+    sCreating = this;
     AEffect* created = entry(&CFakeHostVST2::staticHostCallback);
+    sCreating = nullptr;
     // A record without the magic is not an effect we can talk to.
     if (created != nullptr && created->magic == kEffectMagic && created->dispatcher != nullptr) {
         effect = created;
         MV_LOG("bundle", kLogNotice, "Audio Effect ok");
     } else {
-        MV_LOG("bundle", kLogError, "Failed to create effect instance (", path, ")");
-        mLoadError = "the entry point of " + path + " created no VST 2 effect";
+        MV_LOG("bundle", kLogError, "Failed to create effect instance (", mPath, ")");
+        mLoadError = "the entry point of " + mPath + " created no VST 2 effect";
     }
 }
 
@@ -65,6 +80,15 @@ VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr val
 
 bool CFakeHostVST2::Init()
 {
+    if (IsStandard() && effect == nullptr && mEntry) {
+        AAX_CSampleRate rate = 0.0f;
+        if (AAX_IController* controller = mEffectParameters.Controller())
+            controller->GetSampleRate(&rate);
+        if (rate > 0.0f)
+            mSampleRate = static_cast<double>(rate);
+        CreateEffect(mEntry);
+        mEntry = nullptr;
+    }
     if (effect == nullptr)
         return false;
     MV_LOG("bundle", kLogDebug, "HOST> Create effect done");
@@ -192,6 +216,14 @@ bool CFakeHostVST2::GetParameterInfo(int inParamIndex, std::string& outName, flo
     outName = name;
     if (effect->getParameter != nullptr)
         outDefault = effect->getParameter(effect, inParamIndex);
+    return true;
+}
+
+bool CFakeHostVST2::GetParameterValue(int index, double& outValue)
+{
+    if (effect == nullptr || effect->getParameter == nullptr || index < 0 || index >= effect->numParams)
+        return false;
+    outValue = static_cast<double>(effect->getParameter(effect, index));
     return true;
 }
 

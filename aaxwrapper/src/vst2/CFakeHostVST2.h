@@ -43,6 +43,7 @@ public:
     int32_t GetPluginProductUniqueID() override;
     int GetParameterCount() override;
     bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) override;
+    bool GetParameterValue(int index, double& outValue) override;
     void Process(S_Alg_Context* context) override;
     void AddInputChangeForProcessing(int index, double value) override;
     void AddInputChangeForGUI(int index, double value) override;
@@ -90,8 +91,15 @@ private:
     // carries; it is then not processed rather than let run past the arrays.
     bool channelsFit = true;
 
+    void CreateEffect(const CVST2PluginLoader::EntryFunction& entry);
+
     std::string mLoadError;
+    std::string mPath;
+    // The host whose effect's entry function is running (main thread only):
+    // it answers what the effect asks before it knows its host.
+    static thread_local CFakeHostVST2* sCreating;
     // STANDARD state.
+    CVST2PluginLoader::EntryFunction mEntry;  // until Init creates the effect
     double mSampleRate = kDefaultSampleRate;        // what the effect was set up with
     std::atomic<double> mPendingRate{0.0};          // a different rate processing saw; 0: none
     Morvane::CProcessGate mGate;

@@ -31,9 +31,13 @@ VstIntPtr CFakeHostVST2::staticHostCallback(AEffect* effect, VstInt32 opcode, Vs
     default:
         break;
     }
-    // Until Init sets `user` (e.g. inside the entry function) there is no host.
-    if (effect == nullptr || effect->user == nullptr)
+    // Until Init sets `user` (e.g. inside the entry function) there is no
+    // host; a STANDARD one being created answers as mainstream hosts do.
+    if (effect == nullptr || effect->user == nullptr) {
+        if (sCreating != nullptr && sCreating->IsStandard())
+            return sCreating->VstCallback(opcode, index, value, ptr, opt);
         return 0;
+    }
     return static_cast<CFakeHostVST2*>(effect->user)->VstCallback(opcode, index, value, ptr, opt);
 }
 

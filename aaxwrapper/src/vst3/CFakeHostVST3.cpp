@@ -201,6 +201,16 @@ bool CFakeHostVST3::IsParameterPublished(int index)
     return index >= 0 && static_cast<size_t>(index) < mParamHidden.size() && !mParamHidden[static_cast<size_t>(index)];
 }
 
+bool CFakeHostVST3::GetParameterValue(int index, double& outValue)
+{
+    if (!mVst3Loader || !mVst3Loader->getController() || index < 0 ||
+        static_cast<size_t>(index) >= mParamIds.size())
+        return false;
+    auto lock = mVst3Loader->lockControllerAccess();
+    outValue = mVst3Loader->getController()->getParamNormalized(ParamIdOf(index));
+    return true;
+}
+
 uint32_t CFakeHostVST3::GetParameterTag(int index)
 {
     return ParamIdOf(index);

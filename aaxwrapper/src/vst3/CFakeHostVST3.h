@@ -40,6 +40,7 @@ public:
     void Quit() override;
     std::string GetLoadError() const override { return mLoadError; }
     bool IsParameterPublished(int index) override;
+    bool GetParameterValue(int index, double& outValue) override;
     uint32_t GetParameterTag(int index) override;
     void ApplyPendingSettings() override;
     std::string GetPluginVendor() override;

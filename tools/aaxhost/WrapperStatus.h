@@ -1,0 +1,35 @@
+// What a wrapper bundle says about the VST plug-in it hosts (its custom data
+// block kWrapperStatusBlockID): the host mode, whether the plug-in runs, from
+// which file, and why not. Bundles that are no wrapper give no block.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "AAX_IEffectParameters.h"
+
+namespace AAXHost {
+
+struct SWrapperStatus {
+    bool present = false;  // the effect answered the block
+    std::string mode;
+    bool loaded = false;
+    std::string plugin;
+    std::string error;
+};
+
+class CPluginSession;
+
+SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect);
+
+// Creates one instance of the session's first effect only to read its status;
+// an effect that cannot be instantiated gives an empty status.
+SWrapperStatus ProbeWrapperStatus(CPluginSession& session);
+
+// The "wrapper" object of the JSON forms; null for bundles that are no wrapper.
+nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper);
+
+// "the wrapped plug-in could not be loaded: <reason>"
+std::string NotLoadedMessage(const SWrapperStatus& status);
+
+}  // namespace AAXHost
