@@ -201,7 +201,9 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
     for (int i = 0; i < config.instances; ++i) {
         instances.push_back(std::make_unique<CHostInstance>(*effect, *component, instanceConfig, transport));
         if (!instances.back()->Create(error)) {
-            error = "instance " + std::to_string(i) + ": " + error;
+            // The first instance's failure is the bundle's; later ones are news.
+            if (i > 0)
+                error = "instance " + std::to_string(i) + ": " + error;
             return false;
         }
     }
