@@ -173,7 +173,7 @@ TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAsDirectlyAndSavedStateRestor
     ASSERT_EQ(changed.size(), 2u);
     EXPECT_GT(MaxDifference(plain[0], changed[0]), 1e-4) << "the change did not alter the sound";
     if (c.random) {
-        EXPECT_GT(std::fabs(RmsDb(plain[0]) - RmsDb(changed[0])), 2 * kRandomToleranceDb) << "no audible change";
+        EXPECT_GT(std::fabs(RmsDb(plain[0]) - RmsDb(changed[0])), 4.0) << "no audible change";  // 7.6 dB typically
     }
 
     const SDirectRenderResult changedDirect = RenderDirectly({{c.parameter, static_cast<float>(c.value)}});

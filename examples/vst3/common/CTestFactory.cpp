@@ -5,6 +5,7 @@
 
 #include "CTrace.h"
 #include "pluginterfaces/base/funknown.h"
+#include "pluginterfaces/vst/ivstcomponent.h"
 
 namespace MrvTest {
 
@@ -18,8 +19,8 @@ void copyText(char* dest, const char* src, size_t size)
 }
 }  // namespace
 
-CTestFactory::CTestFactory(const char* vendor, std::vector<ClassEntry> classes)
-    : mVendor(vendor), mClasses(std::move(classes))
+CTestFactory::CTestFactory(const char* vendor, std::vector<ClassEntry> classes, bool componentOnly)
+    : mVendor(vendor), mComponentOnly(componentOnly), mClasses(std::move(classes))
 {
 }
 
@@ -82,6 +83,11 @@ tresult PLUGIN_API CTestFactory::createInstance(FIDString cid, FIDString iid, vo
     for (const ClassEntry& entry : mClasses) {
         if (!FUnknownPrivate::iidEqual(entry.cid.toTUID(), cid) || !entry.create)
             continue;
+        if (mComponentOnly && std::strcmp(entry.category, "Audio Module Class") == 0 &&
+            !FUnknownPrivate::iidEqual(iid, Vst::IComponent::iid) && !FUnknownPrivate::iidEqual(iid, FUnknown::iid)) {
+            Trace("factory.createInstance %s refused: not asked as IComponent", entry.name);
+            return kNoInterface;
+        }
         FUnknown* instance = entry.create();
         if (!instance)
             return kOutOfMemory;

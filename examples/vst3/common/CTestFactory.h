@@ -20,7 +20,10 @@ struct ClassEntry {
 
 class CTestFactory : public Steinberg::IPluginFactory2 {
 public:
-    CTestFactory(const char* vendor, std::vector<ClassEntry> classes);
+    // With componentOnly, an "Audio Module Class" is created only as the
+    // IComponent (or FUnknown) the VST 3 documentation tells hosts to ask
+    // for, as strict factories do.
+    CTestFactory(const char* vendor, std::vector<ClassEntry> classes, bool componentOnly = false);
     virtual ~CTestFactory() = default;
 
     Steinberg::tresult PLUGIN_API getFactoryInfo(Steinberg::PFactoryInfo* info) override;
@@ -35,6 +38,7 @@ public:
 
 private:
     const char* mVendor;
+    bool mComponentOnly;
     std::vector<ClassEntry> mClasses;
     Steinberg::int32 mRefCount = 1;
 };

@@ -76,7 +76,15 @@ tresult PLUGIN_API EffectProcessor::canProcessSampleSize(int32 symbolicSampleSiz
 tresult PLUGIN_API EffectProcessor::setupProcessing(ProcessSetup& setup)
 {
     Trace("effect.setupProcessing rate=%.1f", setup.sampleRate);
+    mHostCheck.Setup(setup);
     return kResultOk;
+}
+
+tresult PLUGIN_API EffectProcessor::setActive(TBool state)
+{
+    Trace("effect.setActive %d", state ? 1 : 0);
+    mHostCheck.Active(state != 0);
+    return Component::setActive(state);
 }
 
 tresult PLUGIN_API EffectProcessor::setProcessing(TBool state)
@@ -87,6 +95,7 @@ tresult PLUGIN_API EffectProcessor::setProcessing(TBool state)
 
 tresult PLUGIN_API EffectProcessor::process(ProcessData& data)
 {
+    mHostCheck.BeforeProcess(data);
     if (IParameterChanges* changes = data.inputParameterChanges) {
         for (int32 i = 0; i < changes->getParameterCount(); ++i) {
             IParamValueQueue* queue = changes->getParameterData(i);

@@ -1,6 +1,7 @@
 // A stereo gain effect without an event bus.
 #pragma once
 
+#include "../common/CStrictHostCheck.h"
 #include "EffectIDs.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
 #include "public.sdk/source/vst/vstcomponent.h"
@@ -27,6 +28,7 @@ public:
     Steinberg::uint32 PLUGIN_API getLatencySamples() override { return 0; }
     Steinberg::tresult PLUGIN_API setupProcessing(Steinberg::Vst::ProcessSetup& setup) override;
     Steinberg::tresult PLUGIN_API setProcessing(Steinberg::TBool state) override;
+    Steinberg::tresult PLUGIN_API setActive(Steinberg::TBool state) override;
     Steinberg::tresult PLUGIN_API process(Steinberg::Vst::ProcessData& data) override;
     Steinberg::uint32 PLUGIN_API getTailSamples() override { return 0; }
 
@@ -38,6 +40,7 @@ public:
 
 protected:
     double mGain = 1.0;
+    CStrictHostCheck mHostCheck;
 };
 
 }  // namespace MrvTest

@@ -34,14 +34,14 @@ tresult PLUGIN_API SynthController::initialize(FUnknown* context)
     }
     addProgramList(list);
 
-    parameters.addParameter(STR16("Volume"), nullptr, 0, 0.8, ParameterInfo::kCanAutomate, kSynthVolume);
-    parameters.addParameter(STR16("Pressure"), nullptr, 0, 0.0, ParameterInfo::kCanAutomate, kSynthPressure);
-    parameters.addParameter(STR16("Bend"), nullptr, 0, 0.5, ParameterInfo::kCanAutomate, kSynthBend);
+    parameters.addParameter(STR16("Volume"), nullptr, 0, 0.8, ParameterInfo::kCanAutomate, SynthTag(kSynthVolume));
+    parameters.addParameter(STR16("Pressure"), nullptr, 0, 0.0, ParameterInfo::kCanAutomate, SynthTag(kSynthPressure));
+    parameters.addParameter(STR16("Bend"), nullptr, 0, 0.5, ParameterInfo::kCanAutomate, SynthTag(kSynthBend));
     parameters.addParameter(STR16("Program"), nullptr, kSynthProgramCount - 1, 0.0,
                             ParameterInfo::kCanAutomate | ParameterInfo::kIsProgramChange | ParameterInfo::kIsList,
-                            kSynthProgram, kSynthUnit);
-    parameters.addParameter(STR16("Hidden"), nullptr, 0, 0.25, ParameterInfo::kIsHidden, kSynthHidden);
-    parameters.addParameter(STR16("Peak"), nullptr, 0, 0.0, ParameterInfo::kIsReadOnly, kSynthPeak);
+                            SynthTag(kSynthProgram), kSynthUnit);
+    parameters.addParameter(STR16("Hidden"), nullptr, 0, 0.25, ParameterInfo::kIsHidden, SynthTag(kSynthHidden));
+    parameters.addParameter(STR16("Peak"), nullptr, 0, 0.0, ParameterInfo::kIsReadOnly, SynthTag(kSynthPeak));
     return kResultOk;
 }
 
@@ -107,7 +107,7 @@ tresult PLUGIN_API SynthController::setComponentState(IBStream* state)
         return kResultFalse;
     }
     for (ParamID id = 0; id < kSynthParamCount; ++id)
-        EditControllerEx1::setParamNormalized(id, values[id]);
+        EditControllerEx1::setParamNormalized(SynthTag(id), values[id]);
     Trace("ctrl.setComponentState volume=%.6f program=%.6f", values[kSynthVolume], values[kSynthProgram]);
     return kResultOk;
 }
@@ -138,7 +138,7 @@ tresult PLUGIN_API SynthController::setParamNormalized(ParamID tag, ParamValue v
 {
     Trace("ctrl.setParamNormalized id=%u value=%.6f", tag, value);
     // The editor zoom follows the hidden parameter, so state tests can see it.
-    if (tag == kSynthHidden)
+    if (tag == SynthTag(kSynthHidden))
         mZoom = 1.0 + value;
     return EditControllerEx1::setParamNormalized(tag, value);
 }
@@ -169,7 +169,7 @@ IPlugView* PLUGIN_API SynthController::createView(FIDString name)
     unsigned int tag = 0;
     double value = 0.0;
     const char* edit = std::getenv("MRV_VST3_EDIT_ON_VIEW");
-    if (edit && std::sscanf(edit, "%u=%lf", &tag, &value) == 2 && tag < kSynthParamCount && value >= 0.0 && value <= 1.0)
+    if (edit && std::sscanf(edit, "%u=%lf", &tag, &value) == 2 && tag - kSynthIdBase < kSynthParamCount && value >= 0.0 && value <= 1.0)
         testEdit(tag, value);
     return mView;
 }
@@ -196,15 +196,15 @@ tresult PLUGIN_API SynthController::getMidiControllerAssignment(int32 busIndex, 
     if (busIndex != 0)
         return kResultFalse;
     if (midiControllerNumber == mVolumeController) {
-        id = kSynthVolume;
+        id = SynthTag(kSynthVolume);
         return kResultOk;
     }
     if (midiControllerNumber == kAfterTouch) {
-        id = kSynthPressure;
+        id = SynthTag(kSynthPressure);
         return kResultOk;
     }
     if (midiControllerNumber == kPitchBend) {
-        id = kSynthBend;
+        id = SynthTag(kSynthBend);
         return kResultOk;
     }
     return kResultFalse;

@@ -16,6 +16,15 @@ enum SynthParam : Steinberg::Vst::ParamID {
     kSynthParamCount = 6
 };
 
+// The strict build's parameter IDs are not their indices, as in most
+// frameworks' plug-ins.
+#ifdef MRV_STRICT
+constexpr Steinberg::Vst::ParamID kSynthIdBase = 7000;
+#else
+constexpr Steinberg::Vst::ParamID kSynthIdBase = 0;
+#endif
+constexpr Steinberg::Vst::ParamID SynthTag(Steinberg::Vst::ParamID param) { return kSynthIdBase + param; }
+
 constexpr Steinberg::Vst::UnitID kSynthUnit = 1;
 constexpr Steinberg::Vst::ProgramListID kSynthProgramList = 100;
 constexpr Steinberg::int32 kSynthProgramCount = 8;

@@ -37,6 +37,9 @@ tresult PLUGIN_API SynthProcessor::initialize(FUnknown* context)
     audioOutputs.push_back(IPtr<Bus>(new AudioBus(STR16("Main Out"), kMain, BusInfo::kDefaultActive, SpeakerArr::kStereo), false));
     audioOutputs.push_back(IPtr<Bus>(new AudioBus(STR16("Aux Out"), kAux, BusInfo::kDefaultActive, SpeakerArr::kStereo), false));
     eventInputs.push_back(IPtr<Bus>(new EventBus(STR16("MIDI In"), kMain, BusInfo::kDefaultActive, 16), false));
+#ifdef MRV_STRICT
+    eventOutputs.push_back(IPtr<Bus>(new EventBus(STR16("MIDI Out"), kMain, BusInfo::kDefaultActive, 16), false));
+#endif
     return kResultOk;
 }
 
@@ -67,6 +70,7 @@ tresult PLUGIN_API SynthProcessor::activateBus(MediaType type, BusDirection dir,
 tresult PLUGIN_API SynthProcessor::setActive(TBool state)
 {
     Trace("proc.setActive %d", state ? 1 : 0);
+    mHostCheck.Active(state != 0);
     return Component::setActive(state);
 }
 
@@ -125,6 +129,7 @@ tresult PLUGIN_API SynthProcessor::setupProcessing(ProcessSetup& setup)
     Trace("proc.setupProcessing mode=%d size=%d max=%d rate=%.1f", setup.processMode, setup.symbolicSampleSize,
           setup.maxSamplesPerBlock, setup.sampleRate);
     mSampleRate = setup.sampleRate > 0 ? setup.sampleRate : 44100.0;
+    mHostCheck.Setup(setup);
     return kResultOk;
 }
 
@@ -148,8 +153,9 @@ void SynthProcessor::applyParameterChanges(IParameterChanges* changes)
             if (queue->getPoint(p, offset, value) != kResultOk)
                 continue;
             Trace("proc.param id=%u value=%.6f offset=%d", queue->getParameterId(), value, offset);
-            if (queue->getParameterId() < kSynthParamCount)
-                mParams[queue->getParameterId()] = value;
+            const ParamID index = queue->getParameterId() - kSynthIdBase;
+            if (index < kSynthParamCount)
+                mParams[index] = value;
         }
     }
 }
@@ -177,6 +183,24 @@ void SynthProcessor::handleEvent(const Event& event)
     }
 }
 
+// The strict build plays every note it receives back out an octave up.
+void SynthProcessor::echoEvent(const Event& event, IEventList* out)
+{
+#ifdef MRV_STRICT
+    if (!out || (event.type != Event::kNoteOnEvent && event.type != Event::kNoteOffEvent))
+        return;
+    Event echo = event;
+    if (echo.type == Event::kNoteOnEvent)
+        echo.noteOn.pitch = static_cast<int16>(echo.noteOn.pitch + 12);
+    else
+        echo.noteOff.pitch = static_cast<int16>(echo.noteOff.pitch + 12);
+    out->addEvent(echo);
+#else
+    (void)event;
+    (void)out;
+#endif
+}
+
 float SynthProcessor::renderSample()
 {
     const double bendSemitones = (mParams[kSynthBend] - 0.5) * 4.0;
@@ -196,6 +220,7 @@ float SynthProcessor::renderSample()
 
 tresult PLUGIN_API SynthProcessor::process(ProcessData& data)
 {
+    mHostCheck.BeforeProcess(data);
     applyParameterChanges(data.inputParameterChanges);
     if (ProcessContext* context = data.processContext) {
         Trace("proc.context state=0x%x rate=%.1f tempo=%.3f sig=%d/%d music=%.6f samples=%lld", context->state,
@@ -219,6 +244,7 @@ tresult PLUGIN_API SynthProcessor::process(ProcessData& data)
             if (data.inputEvents->getEvent(nextEvent, event) != kResultOk || event.sampleOffset > s)
                 break;
             handleEvent(event);
+            echoEvent(event, data.outputEvents);
             ++nextEvent;
         }
         const float sample = renderSample();
@@ -235,7 +261,7 @@ tresult PLUGIN_API SynthProcessor::process(ProcessData& data)
     }
     if (data.outputParameterChanges && peak > 0.0f) {
         int32 index = 0;
-        if (IParamValueQueue* queue = data.outputParameterChanges->addParameterData(kSynthPeak, index))
+        if (IParamValueQueue* queue = data.outputParameterChanges->addParameterData(SynthTag(kSynthPeak), index))
             queue->addPoint(0, std::min(1.0f, peak), index);
     }
     return kResultOk;

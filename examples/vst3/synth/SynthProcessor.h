@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "../common/CStrictHostCheck.h"
 #include "SynthIDs.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
 #include "pluginterfaces/vst/ivstevents.h"
@@ -53,11 +54,13 @@ private:
     };
     void applyParameterChanges(Steinberg::Vst::IParameterChanges* changes);
     void handleEvent(const Steinberg::Vst::Event& event);
+    void echoEvent(const Steinberg::Vst::Event& event, Steinberg::Vst::IEventList* out);
     float renderSample();
 
     std::array<Voice, 8> mVoices;
     std::array<double, kSynthParamCount> mParams{};
     double mSampleRate = 44100.0;
+    CStrictHostCheck mHostCheck;
 };
 
 }  // namespace MrvTest
