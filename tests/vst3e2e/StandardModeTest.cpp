@@ -1,0 +1,182 @@
+// Strict VST 3 plug-ins (see examples/vst3/common/CStrictHostCheck.h)
+// wrapped as STANDARD products: created as components, switched on before
+// processing, never given more samples than promised, parameters by their
+// own IDs with hidden ones left out, state and notes out. And the safety fix
+// of both modes: a CLASSIC host slices buffers longer than it promised.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "E2ESupport.h"
+
+using namespace vst3e2e;
+
+namespace {
+
+std::string StandardBundle(const std::string& name)
+{
+    return std::string(VST3E2E_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
+}
+
+const std::vector<std::pair<uint32_t, std::vector<unsigned char>>> kTwoNotes = {
+    {0, {0x90, 60, 100}}, {240, {0x90, 67, 90}}, {720, {0x80, 60, 0}}, {900, {0x80, 67, 0}}};
+
+SRunResult RenderStrictSynth(const std::string& dir, int block, std::vector<std::string> extra = {})
+{
+    WriteSmf(dir + "/notes.mid", kTwoNotes);
+    std::vector<std::string> args = {"render", StandardBundle("MrvStrictSynth"), "--midi", dir + "/notes.mid", "--out",
+                                     dir + "/out.wav", "--rate", "48000", "--block", std::to_string(block),
+                                     "--seconds", "1", "--no-progress", "--json"};
+    args.insert(args.end(), extra.begin(), extra.end());
+    return RunHost(args);
+}
+
+}  // namespace
+
+TEST(Vst3Standard, StrictSynthIsSwitchedOnAndNeverGivenMoreThanPromisedAtAnyBufferSize)
+{
+    for (int block : {64, 1000, 4096, 10000}) {
+        const std::string dir = TempDir("strict-" + std::to_string(block));
+        const SRunResult run = RenderStrictSynth(dir, block);
+        ASSERT_EQ(run.exitCode, 0) << block << ": " << run.err;
+        const size_t setup = FindLine(run.trace, "proc.setupProcessing mode=0 size=0 max=4096 rate=48000.0");
+        const size_t active = FindLine(run.trace, "proc.setActive 1");
+        const size_t firstProcess = FindLine(run.trace, "proc.process");
+        ASSERT_NE(setup, std::string::npos);
+        ASSERT_NE(active, std::string::npos);
+        EXPECT_LT(setup, active);
+        EXPECT_LT(active, firstProcess);
+        long long total = 0;
+        for (const SProcessCall& call : ProcessCalls(run.trace)) {
+            EXPECT_LE(call.frames, 4096);
+            total += call.frames;
+        }
+        EXPECT_EQ(total, 48000);
+        EXPECT_GT(run.Json()["instances"][0]["channels"][0]["peak"].get<double>(), 0.01) << block;
+    }
+}
+
+TEST(Vst3Standard, SlicedBuffersKeepNotesAndTransportAtTheirSamples)
+{
+    const SRunResult run = RenderStrictSynth(TempDir("sliced"), 10000);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    // 48 kHz, 120 BPM, 480 ticks a beat: one tick is 50 samples.
+    std::vector<long long> noteSamples;
+    for (const SProcessCall& call : ProcessCalls(run.trace)) {
+        EXPECT_NEAR(call.music, call.samples / 24000.0, 1e-6) << "at sample " << call.samples;
+        for (const SNoteEvent& note : call.notes)
+            noteSamples.push_back(call.samples + note.offset);
+    }
+    EXPECT_EQ(noteSamples, (std::vector<long long>{0, 12000, 36000, 45000}));
+}
+
+TEST(Vst3Standard, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAndReachTheProcessor)
+{
+    const SRunResult params = RunHost({"params", StandardBundle("MrvStrictSynth"), "--json"});
+    ASSERT_EQ(params.exitCode, 0) << params.err;
+    const nlohmann::json list = params.Json()["parameters"];
+    std::vector<std::string> ids;
+    for (const auto& p : list)
+        ids.push_back(p["id"]);
+    EXPECT_EQ(ids, (std::vector<std::string>{"MasterBypassID", "7000", "7001", "7002", "7003", "7005"}));
+    EXPECT_NEAR(list[1]["default"].get<double>(), 0.8, 1e-6);
+
+    const SRunResult run = RenderStrictSynth(TempDir("set"), 512, {"--set", "7000=0.3"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(FindLine(run.trace, "proc.param id=7000 value=0.300000 offset=0"), std::string::npos);
+}
+
+TEST(Vst3Standard, ParameterAutomatedBackToItsDefaultReachesTheProcessor)
+{
+    const SRunResult run = RenderStrictSynth(TempDir("default"), 512,
+                                             {"--set", "7000=0.3", "--set", "7000=0.8@0.2", "--set", "7000=0.3@0.4"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    std::vector<std::string> received;
+    for (const std::string& line : run.trace)
+        if (line.rfind("proc.param id=7000 ", 0) == 0)
+            received.push_back(line.substr(0, line.find(" offset")));
+    EXPECT_EQ(received, (std::vector<std::string>{"proc.param id=7000 value=0.300000", "proc.param id=7000 value=0.800000",
+                                                  "proc.param id=7000 value=0.300000"}));
+}
+
+TEST(Vst3Standard, StateRestoredIntoAFreshInstanceRendersTheSameBytes)
+{
+    const std::string dir = TempDir("state");
+    const SRunResult saved = RenderStrictSynth(dir, 512, {"--set", "7000=0.3", "--save-state", dir + "/s.state"});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err;
+    const std::string first = AAXHostTest::ReadWholeFile(dir + "/out.wav");
+    const SRunResult restored = RenderStrictSynth(dir, 512, {"--load-state", dir + "/s.state"});
+    ASSERT_EQ(restored.exitCode, 0) << restored.err;
+    EXPECT_FALSE(first.empty());
+    EXPECT_EQ(AAXHostTest::ReadWholeFile(dir + "/out.wav"), first);
+}
+
+TEST(Vst3Standard, NotesThePlugInSendsReachTheAaxMidiOutput)
+{
+    const SRunResult run = RenderStrictSynth(TempDir("midiout"), 1000);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    std::vector<std::pair<long long, std::vector<int>>> out;
+    const nlohmann::json report = run.Json();
+    for (const auto& m : report["instances"][0]["midi_out"])
+        out.push_back({m["sample"].get<long long>(), m["bytes"].get<std::vector<int>>()});
+    // Echoed an octave up at the sample each note came in.
+    const std::vector<std::pair<long long, std::vector<int>>> expected = {
+        {0, {0x90, 72, 100}}, {12000, {0x90, 79, 90}}, {36000, {0x80, 72, 0}}, {45000, {0x80, 79, 0}}};
+    EXPECT_EQ(out, expected);
+}
+
+TEST(Vst3Standard, StrictSingleComponentPlugInRendersPublishesAndRestores)
+{
+    const std::string dir = TempDir("single");
+    const std::string bundle = StandardBundle("MrvStrictSingle");
+    const SRunResult params = RunHost({"params", bundle, "--json"});
+    ASSERT_EQ(params.exitCode, 0) << params.err;
+    ASSERT_EQ(params.Json()["parameters"].size(), 2u) << params.out;
+    const std::string gain = params.Json()["parameters"][1]["id"];
+    const std::vector<std::string> render = {"render", bundle, "--test-input", "--seconds", "0.5", "--block", "5000",
+                                             "--out", dir + "/out.wav", "--no-progress", "--json"};
+    auto withArgs = [&](std::vector<std::string> extra) {
+        std::vector<std::string> args = render;
+        args.insert(args.end(), extra.begin(), extra.end());
+        return RunHost(args);
+    };
+    const SRunResult saved = withArgs({"--set", gain + "=0.25", "--save-state", dir + "/s.state"});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err;
+    EXPECT_GT(saved.Json()["instances"][0]["channels"][0]["peak"].get<double>(), 0.01);
+    const std::string first = AAXHostTest::ReadWholeFile(dir + "/out.wav");
+    const SRunResult restored = withArgs({"--load-state", dir + "/s.state"});
+    ASSERT_EQ(restored.exitCode, 0) << restored.err;
+    EXPECT_EQ(AAXHostTest::ReadWholeFile(dir + "/out.wav"), first);
+}
+
+TEST(Vst3Classic, StrictSynthCannotBeCreatedAndAaxhostSaysSo)
+{
+    const SRunResult run = RunHost({"render", std::string(VST3E2E_BUNDLE_DIR) + "/MrvStrictSynth.aaxplugin", "--out",
+                                    TempDir("classic") + "/out.wav", "--seconds", "0.1"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("aaxhost: error: the wrapped plug-in could not be loaded: the factory created no "
+                           "IAudioProcessor"),
+              std::string::npos)
+        << run.err;
+}
+
+TEST(Vst3Classic, BuffersLongerThanPromisedArriveInSlices)
+{
+    // The test synth stops the process if it gets more than the 256 samples
+    // CLASSIC promises; under ASan this also proves no buffer is overrun.
+    const std::string dir = TempDir("classic-slices");
+    WriteSmf(dir + "/notes.mid", kTwoNotes);
+    const SRunResult run = RunHost({"render", SynthBundle(), "--midi", dir + "/notes.mid", "--out", dir + "/out.wav",
+                                    "--rate", "48000", "--block", "1000", "--seconds", "1", "--no-progress"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    long long total = 0;
+    std::vector<long long> noteSamples;
+    for (const SProcessCall& call : ProcessCalls(run.trace)) {
+        EXPECT_LE(call.frames, 256);
+        total += call.frames;
+        for (const SNoteEvent& note : call.notes)
+            noteSamples.push_back(call.samples + note.offset);
+    }
+    EXPECT_EQ(total, 48000);
+    EXPECT_EQ(noteSamples, (std::vector<long long>{0, 12000, 36000, 45000}));
+}
