@@ -97,9 +97,10 @@ CProbe::CProbe(audioMasterCallback host, const char* entryName) : mHost(host)
     const VstIntPtr vendorAnswer = mHost(&mEffect, audioMasterGetVendorString, 0, 0, vendor, 0.0f);
     const VstIntPtr idle = mHost(&mEffect, audioMasterIdle, 0, 0, nullptr, 0.0f);
     const VstIntPtr canDo = mHost(&mEffect, audioMasterCanDo, 0, 0, const_cast<char*>("sendVstEvents"), 0.0f);
-    mRecorder.Line("entry-host version=%ld time=%ld vendor=%ld:%s idle=%ld canDo=%ld", static_cast<long>(version),
-                   static_cast<long>(time), static_cast<long>(vendorAnswer), vendor, static_cast<long>(idle),
-                   static_cast<long>(canDo));
+    const VstIntPtr rate = mHost(&mEffect, audioMasterGetSampleRate, 0, 0, nullptr, 0.0f);
+    mRecorder.Line("entry-host version=%ld time=%ld vendor=%ld:%s idle=%ld canDo=%ld rate=%ld",
+                   static_cast<long>(version), static_cast<long>(time), static_cast<long>(vendorAnswer), vendor,
+                   static_cast<long>(idle), static_cast<long>(canDo), static_cast<long>(rate));
 }
 
 VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt)

@@ -43,7 +43,7 @@ TEST_F(ProbeHost, CreationAndInitSendTheExpectedSequence)
     ASSERT_GE(lines.size(), 2u);
     EXPECT_EQ(lines[0], "entry VSTPluginMain");
     // Inside the entry function only the three self-answered opcodes work.
-    EXPECT_EQ(lines[1], "entry-host version=2400 time=0 vendor=1:Morvane AAX Wrapper idle=1 canDo=0");
+    EXPECT_EQ(lines[1], "entry-host version=2400 time=0 vendor=1:Morvane AAX Wrapper idle=1 canDo=0 rate=0");
     EXPECT_EQ(Dispatches(), (std::vector<std::string>{
                                 "dispatch effOpen index=0 value=0 opt=0",
                                 "dispatch effMainsChanged index=0 value=1 opt=0",

@@ -3,6 +3,10 @@
 // cannot produce.
 #include <cstdio>
 
+#include "AAX_CLinearTaperDelegate.h"
+#include "AAX_CNumberDisplayDelegate.h"
+#include "AAX_CParameter.h"
+#include "AAX_CString.h"
 #include "Vst3TestSupport.h"
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
@@ -128,4 +132,31 @@ TEST(Vst3Process, RestartComponentFlags)
     buffers.mMidiIn.Add(0, 0xB0, 11, 127);
     plugin.mHost->Process(buffers.Context());
     EXPECT_EQ(trace.LinesStartingWith("proc.param id=0 value=1.000000 offset=0").size(), 1u);
+}
+
+TEST(Vst3Standard, ValuesThePlugInChangedItselfAreReadBackIntoTheAaxParameters)
+{
+    // The front end's AAX parameter for the volume, as EffectInit makes it.
+    struct COwnerWithVolume : CTestOwner {
+        COwnerWithVolume()
+        {
+            mParameterManager.AddParameter(new AAX_CParameter<float>(
+                "0", AAX_CString("Volume"), 0.8f, AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
+                AAX_CNumberDisplayDelegate<float, 2, 0>(), true));
+        }
+    } owner;
+    CTrace trace;
+    std::string path = BundlePath("MrvTestSynth");
+    CFakeHostVST3 host(owner, path, EHostMode::kStandard);
+    ASSERT_TRUE(host.Init());
+    host.Setup();
+    EXPECT_EQ(trace.LinesStartingWith("proc.setActive 1").size(), 1u);
+
+    CVST3Loader& loader = *host.GetLoader();
+    loader.getController()->setParamNormalized(0, 0.3);  // as a preset load inside the plug-in would
+    EXPECT_EQ(loader.restartComponent(kParamValuesChanged), kResultOk);
+    ASSERT_EQ(owner.mSetValues.size(), 1u);
+    EXPECT_EQ(owner.mSetValues[0].first, "0");
+    EXPECT_DOUBLE_EQ(owner.mSetValues[0].second, 0.3);
+    host.Quit();
 }

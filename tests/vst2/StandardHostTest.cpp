@@ -1,0 +1,121 @@
+// The VST 2 fake host in STANDARD mode against the probe plug-in: what a
+// mainstream host sends and answers, one event list per buffer, slices for
+// buffers past the announced block size, and rate changes that reach the
+// plug-in on the main thread only.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "Vst2TestSupport.h"
+
+using namespace Vst2Test;
+
+namespace {
+
+class StandardProbe : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        path = BuiltPlugin("vst2probe.so");
+        host = std::make_unique<CFakeHostVST2>(owner, path, EHostMode::kStandard);
+        // Nothing is created before Init: the effect is made at the host's rate.
+        EXPECT_TRUE(record.Lines().empty());
+        ASSERT_TRUE(host->Init());
+    }
+    void TearDown() override
+    {
+        host->Quit();
+        host.reset();
+    }
+    std::vector<std::string> Dispatches(const char* except = "effEditIdle") const
+    {
+        std::vector<std::string> out;
+        for (const std::string& line : record.LinesStartingWith("dispatch "))
+            if (line.find(except) == std::string::npos)
+                out.push_back(line);
+        return out;
+    }
+
+    CProbeRecord record;
+    CTestOwner owner;
+    std::string path;
+    std::unique_ptr<CFakeHostVST2> host;
+};
+
+}  // namespace
+
+TEST_F(StandardProbe, OpensAtTheRateAndBlockSizeAndKeepsItsOwnProgram)
+{
+    const auto lines = record.Lines();
+    ASSERT_GE(lines.size(), 2u);
+    // Asked from inside the entry function, the host already answers: the
+    // rate as a number, its capabilities, its time information.
+    EXPECT_EQ(lines[1].rfind("entry-host version=2400 time=", 0), 0u) << lines[1];
+    EXPECT_EQ(lines[1].find("time=0 "), std::string::npos) << lines[1];
+    EXPECT_NE(lines[1].find(" vendor=1:Morvane AAX Wrapper idle=1 canDo=1 rate=44100"), std::string::npos) << lines[1];
+    EXPECT_EQ(Dispatches(), (std::vector<std::string>{
+                                "dispatch effOpen index=0 value=0 opt=0",
+                                "dispatch effSetSampleRate index=0 value=0 opt=44100",
+                                "dispatch effSetBlockSize index=0 value=4096 opt=0",
+                                "dispatch effMainsChanged index=0 value=1 opt=0",
+                            }));
+}
+
+TEST_F(StandardProbe, EveryEventOfABufferArrivesInOneListInTimeOrder)
+{
+    CTestContext ctx(64, 44100.0f);
+    ctx.mMidiIn.mPackets = {MidiPacket(9, {0x90, 60, 100}), MidiPacket(3, {0x90, 64, 90}),
+                            MidiPacket(3, {0x90, 67, 80}, true)};
+    record.Clear();
+    host->Process(ctx.Context());
+    std::vector<std::string> seen;
+    for (const std::string& line : record.Lines())
+        if (line.rfind("events", 0) == 0 || line.rfind("event ", 0) == 0)
+            seen.push_back(line);
+    EXPECT_EQ(seen, (std::vector<std::string>{
+                        "events num=3",
+                        "event type=1 byteSize=32 deltaFrames=3 flags=0 noteLength=0 noteOffset=0 "
+                        "data=90 40 5a 00 detune=0 noteOffVelocity=0",
+                        "event type=1 byteSize=32 deltaFrames=3 flags=1 noteLength=0 noteOffset=0 "
+                        "data=90 43 50 00 detune=0 noteOffVelocity=0",
+                        "event type=1 byteSize=32 deltaFrames=9 flags=0 noteLength=0 noteOffset=0 "
+                        "data=90 3c 64 00 detune=0 noteOffVelocity=0",
+                    }));
+}
+
+TEST_F(StandardProbe, BuffersLongerThanTheBlockSizeArriveInSlicesWithTheirEvents)
+{
+    CTestContext ctx(10000, 44100.0f);
+    ctx.mMidiIn.mPackets = {MidiPacket(5000, {0x90, 60, 100})};
+    record.Clear();
+    host->Process(ctx.Context());
+    EXPECT_EQ(record.LinesStartingWith("process "),
+              (std::vector<std::string>{"process frames=4096 inputs=set outputs=set",
+                                        "process frames=4096 inputs=set outputs=set",
+                                        "process frames=1808 inputs=set outputs=set"}));
+    std::vector<std::string> events = record.LinesStartingWith("event ");
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_NE(events[0].find("deltaFrames=904 "), std::string::npos) << events[0];  // 5000 - 4096
+}
+
+TEST_F(StandardProbe, ARateChangeReachesThePlugInOnTheMainThreadOnly)
+{
+    CTestContext ctx(64, 96000.0f);
+    record.Clear();
+    // The audio thread sees the new rate; it must not tell the plug-in itself.
+    std::thread audio([&] { host->Process(ctx.Context()); });
+    audio.join();
+    EXPECT_TRUE(Dispatches("effProcessEvents").empty()) << record.Lines().front();
+
+    host->ApplyPendingSettings();  // the main thread's periodic wake-up
+    EXPECT_EQ(Dispatches(), (std::vector<std::string>{
+                                "dispatch effMainsChanged index=0 value=0 opt=0",
+                                "dispatch effSetSampleRate index=0 value=0 opt=96000",
+                                "dispatch effSetBlockSize index=0 value=4096 opt=0",
+                                "dispatch effMainsChanged index=0 value=1 opt=0",
+                            }));
+    record.Clear();
+    host->Process(ctx.Context());
+    host->ApplyPendingSettings();
+    EXPECT_TRUE(Dispatches().empty());  // applied once
+}
