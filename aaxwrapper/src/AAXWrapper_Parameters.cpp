@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <mutex>
 
 #include "AAXWrapper_Identity.h"
 #include "AAXWrapper_PluginLocator.h"
@@ -42,8 +43,21 @@ void AAXWrapper_Parameters::SetFakeHostFactoryForTesting(FakeHostFactory factory
     gFakeHostFactoryForTesting = factory;
 }
 
+// Live instances, so that the last one to go, not every one, tears the log
+// down: another instance's audio thread may still be logging. The lock keeps
+// a construction from slipping between the count reaching zero and the log
+// going away.
+namespace {
+std::mutex gInstancesMutex;
+int gLiveInstances = 0;
+}  // namespace
+
 AAXWrapper_Parameters::AAXWrapper_Parameters()
 {
+    {
+        std::lock_guard<std::mutex> lock(gInstancesMutex);
+        ++gLiveInstances;
+    }
     std::string confPath;
     if (CSingleton<Morvane::Resources>::getInstance()->GetAbsolutePath("log.conf", confPath)) {
         CSingleton<CLog>::getInstance()->reloadConf(confPath);
@@ -59,6 +73,8 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
         mLoadError = "no " + VST_PLUGIN_NAME + "." + VST_PLUGIN_EXTENSION + " was found in the " +
                      std::to_string(candidates.size()) + " places searched";
     CallFakeHost("CreateFakeHost", [&] { CreateFakeHost(path); });
+    if (mFakeHost != nullptr)
+        mFakeHost->SetEditListener(this);
 
     if (mFakeHost == nullptr) {
         MV_LOG("fakehost", kLogError, "Fakehost null.");
@@ -172,7 +188,10 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
 void AAXWrapper_Parameters::PublishPluginParameters()
 {
     const int count = mFakeHost->GetParameterCount();
-    mLastValues.assign(static_cast<size_t>(std::max(count, 0)), std::numeric_limits<double>::quiet_NaN());
+    mLastValueCount = static_cast<size_t>(std::max(count, 0));
+    mLastValues.reset(new std::atomic<double>[mLastValueCount]);
+    for (size_t i = 0; i < mLastValueCount; ++i)
+        mLastValues[i].store(std::numeric_limits<double>::quiet_NaN(), std::memory_order_relaxed);
     for (int index = 0; index < count; ++index) {
         if (IsStandard() && !mFakeHost->IsParameterPublished(index))
             continue;
@@ -186,7 +205,9 @@ void AAXWrapper_Parameters::PublishPluginParameters()
             mIndexByTag[tag] = index;
             // What the plug-in holds now counts as received: restoring the
             // same value later sends nothing.
-            mFakeHost->GetParameterValue(index, mLastValues[static_cast<size_t>(index)]);
+            double current = 0.0;
+            if (mFakeHost->GetParameterValue(index, current))
+                mLastValues[static_cast<size_t>(index)].store(current, std::memory_order_relaxed);
         } else {
             std::snprintf(id, sizeof(id), "%d", index);
         }
@@ -259,14 +280,26 @@ void AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double 
     if (found == mIndexByTag.end())
         return;
     const int index = found->second;
-    double& last = mLastValues[static_cast<size_t>(index)];
-    if (last == iValue)
+    std::atomic<double>& last = mLastValues[static_cast<size_t>(index)];
+    const double previous = last.load(std::memory_order_relaxed);
+    // The host's echo of a value the plug-in itself just set ends here. The
+    // AAX parameters hold single precision, so that is what "same" means.
+    if (static_cast<float>(previous) == static_cast<float>(iValue))
         return;
     MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ", iParameterID,
-              " from ", last, " to ", iValue);
-    last = iValue;
+              " from ", previous, " to ", iValue);
+    last.store(iValue, std::memory_order_relaxed);
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
+}
+
+void AAXWrapper_Parameters::OnPluginValue(uint32_t tag, double value)
+{
+    if (!IsStandard())
+        return;
+    const auto found = mIndexByTag.find(tag);
+    if (found != mIndexByTag.end())
+        mLastValues[static_cast<size_t>(found->second)].store(value, std::memory_order_relaxed);
 }
 
 AAX_Result AAXWrapper_Parameters::TimerWakeup()
@@ -310,6 +343,10 @@ AAXWrapper_Parameters::~AAXWrapper_Parameters()
         mFakeHost = nullptr;
         MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " NULL  OK");
     }
-    // Every instance tears the log down; the next log call builds it afresh.
-    CSingleton<CLog>::destroyInstance();
+    // The last instance tears the log down; the next log call builds it
+    // afresh. (A departure from tearing it down with every instance, which
+    // left other instances' audio threads logging into a destroyed log.)
+    std::lock_guard<std::mutex> lock(gInstancesMutex);
+    if (--gLiveInstances == 0)
+        CSingleton<CLog>::destroyInstance();
 }

@@ -4,15 +4,17 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "AAX_CEffectParameters.h"
+#include "fakehost/IPluginEditListener.h"
 
 class IFakeHost;
 
-class AAXWrapper_Parameters : public AAX_CEffectParameters {
+class AAXWrapper_Parameters : public AAX_CEffectParameters, private IPluginEditListener {
 public:
     // Returned as the interface type because the host calls the registered
     // factory as AAX_IEffectParameters*(*)().
@@ -58,15 +60,19 @@ private:
     void PublishPluginParameters();
     void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
+    void OnPluginValue(uint32_t tag, double value) override;
     bool IsStandard() const;
 
     IFakeHost* mFakeHost = nullptr;
     std::string mPluginPath;   // what the file search found; empty when nothing
     std::string mLoadError;    // why the plug-in is not running; empty when it is
     // STANDARD: AAX identifiers are the plug-in's parameter tags; the last
-    // value sent to or received from each parameter, by index (NaN: none yet).
+    // value sent to or received from each parameter, by index (NaN: none
+    // yet). Atomic because VST 2 plug-ins may report edits from the audio
+    // thread.
     std::unordered_map<uint32_t, int> mIndexByTag;
-    std::vector<double> mLastValues;
+    std::unique_ptr<std::atomic<double>[]> mLastValues;
+    size_t mLastValueCount = 0;
     // Set while a chunk is being restored; the callback outputs silence then.
     // Atomic only so the cross-thread read is well defined; no ordering needed.
     std::atomic<bool> mIsLoadingState{false};

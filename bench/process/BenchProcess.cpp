@@ -205,9 +205,36 @@ void RunPeakMemory(benchmark::State& state, const std::string& bundlePath, int i
     state.counters["peak_kb_per_instance"] = static_cast<double>(loaded.peakKb - base.peakKb) / instances;
 }
 
+// One host automation point reaching the plug-in: the host's
+// UpdateParameterNormalizedValue for a wrapped parameter, the value changing
+// every time (main thread work, outside the real-time path).
+void RunAutomationPoint(benchmark::State& state, const std::string& bundlePath)
+{
+    CBenchRig rig;
+    std::string error;
+    if (!rig.Open(bundlePath, 256, 1, error)) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    AAX_IACFEffectParameters* effect = rig.Effect(0);
+    const char* const id = "0";
+    double value = 0.3;
+    for (auto _ : state) {
+        value = value == 0.3 ? 0.31 : 0.3;
+        effect->UpdateParameterNormalizedValue(id, value, AAX_eUpdateSource_Unspecified);
+    }
+    rig.Process();  // the queued values reach the plug-in before it goes
+}
+
 void RegisterAll(const std::vector<SBundleChoice>& bundles)
 {
     for (const auto& bundle : bundles) {
+        {
+            const std::string path = bundle.path;
+            benchmark::RegisterBenchmark((std::string("AutomationPoint/") + bundle.label).c_str(),
+                                         [path](benchmark::State& state) { RunAutomationPoint(state, path); })
+                ->Unit(benchmark::kNanosecond);
+        }
         for (const auto& c : kCases)
             for (int block : kBlockSizes) {
                 const std::string name =
@@ -244,9 +271,12 @@ int main(int argc, char** argv)
     if (const char* trace = std::getenv("BENCH_PROCESS_ALLOC_TRACE"))
         SetAllocationTraceLimit(std::atoi(trace));
 
-    std::vector<SBundleChoice> bundles{{"TavrionV2", BENCH_TAVRION_BUNDLE}};
+    std::vector<SBundleChoice> bundles{{"TavrionV2", BENCH_TAVRION_BUNDLE},
+                                       {"TavrionV2-standard", BENCH_TAVRION_STD_BUNDLE}};
     if (std::strlen(BENCH_VST3_BUNDLE) > 0)
         bundles.push_back({"vst3", BENCH_VST3_BUNDLE});
+    if (std::strlen(BENCH_VST3_STD_BUNDLE) > 0)
+        bundles.push_back({"vst3-standard", BENCH_VST3_STD_BUNDLE});
     RegisterAll(bundles);
 
     benchmark::Initialize(&argc, argv);

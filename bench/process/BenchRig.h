@@ -68,6 +68,9 @@ public:
     bool SetParameter(const std::string& id, double value, std::string& error);
     bool SetBypass(bool on, std::string& error);
 
+    // Instance i's effect parameters object, as the host holds it.
+    AAX_IACFEffectParameters* Effect(int i) { return mInstances[static_cast<size_t>(i)]->Effect(); }
+
     int BlockSize() const { return mBlockSize; }
     int Instances() const { return static_cast<int>(mInstances.size()); }
     // Peak of the main output of instance 0 in the last buffer.

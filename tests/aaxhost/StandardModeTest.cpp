@@ -196,6 +196,14 @@ TEST(StandardEffect, MVerbReverberatesAtEveryRateAndBufferSize)
             EXPECT_GT(energy, 1e-3) << rate << " Hz, blocks of " << block;
         }
     }
+    // Wet: not the dry input that the master bypass passes through.
+    const std::string dry = dir + "/dry.wav", wet = dir + "/wet.wav";
+    for (const auto& run : {std::vector<std::string>{"--bypass", "--out", dry}, std::vector<std::string>{"--out", wet}}) {
+        std::vector<std::string> args = {"render", StandardBundle("MVerb"), "--test-input", "--seconds", "1"};
+        args.insert(args.end(), run.begin(), run.end());
+        ASSERT_EQ(RunHost(args).exitCode, 0);
+    }
+    EXPECT_GT(MaxDifference(ReadWavChannels(wet)[0], ReadWavChannels(dry)[0]), 0.01);
 }
 
 

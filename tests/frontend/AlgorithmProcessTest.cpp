@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <atomic>
 #include <cstring>
 #include <thread>
@@ -157,4 +158,39 @@ TEST_F(AlgorithmProcessTest, StateRestoreMayRunBesideTheCallback)
     stop.store(true);
     audio.join();
     EXPECT_FALSE(wrapper->IsLoadingState());
+}
+
+// One instance's teardown must not take the log from under another
+// instance's audio thread: the last instance to go tears it down. Run under
+// TSan in CI.
+TEST_F(AlgorithmProcessTest, AnotherInstanceComingAndGoingNeverDisturbsTheLogOfOneThatProcesses)
+{
+    // The audio thread's lines only, at a pace the log's rings are made for
+    // (a 10 KB ring per thread, drained five times a second).
+    mLog.reset();
+    mLog = std::make_unique<TestSupport::CLogCapture>(std::vector<std::string>{"process"});
+    constexpr size_t kBuffers = 250;
+    constexpr int kCycles = 1000;
+    auto processing = MakeWrapper();
+    Instance instance(processing.get());
+    std::atomic<size_t> processed{0};
+    std::thread audio([&] {
+        for (size_t i = 0; i < kBuffers; ++i) {
+            RunBatch({instance.Context()});
+            processed = i + 1;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    });
+    int cycles = 0;
+    while (cycles < kCycles || processed.load() < kBuffers) {
+        MakeWrapper().reset();
+        ++cycles;
+    }
+    audio.join();
+    processing.reset();  // the last instance: its lines are drained now
+
+    // Every buffer's line reached the log: none went to a torn-down or a
+    // re-created, unconfigured one.
+    EXPECT_GE(cycles, kCycles);
+    EXPECT_EQ(mLog->Count("double host processed "), kBuffers);
 }

@@ -10,6 +10,7 @@
 
 #include "CException.h"
 #include "fakehost/IFakeHost.h"
+#include "logger/CLog.h"
 
 struct FakeHostScript {
     std::vector<std::string> journal;
@@ -54,6 +55,8 @@ public:
     }
     void Process(S_Alg_Context*) override
     {
+        // As a plug-in's real-time path logs: filtered first, then recorded.
+        MV_LOG("process", kLogDebug, "double ", mName, " processed ", mScript->processedBy.size());
         mScript->processedBy.push_back(mName);
         if (mScript->processedBy.size() == mScript->throwAtCall)
             throw Morvane::CException("plug-in failed in " + mName);

@@ -180,3 +180,41 @@ TEST(Vst3Classic, BuffersLongerThanPromisedArriveInSlices)
     EXPECT_EQ(total, 48000);
     EXPECT_EQ(noteSamples, (std::vector<long long>{0, 12000, 36000, 45000}));
 }
+
+TEST(Vst3Standard, EachHostValueReachesTheControllerOnce)
+{
+    const SRunResult run = RenderStrictSynth(TempDir("controller-once"), 512,
+                                             {"--set", "7000=0.3", "--set", "7000=0.8@0.2", "--set", "7000=0.3@0.4"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    std::vector<std::string> told;
+    for (const std::string& line : run.trace)
+        if (line.rfind("ctrl.setParamNormalized id=7000 ", 0) == 0)
+            told.push_back(line);
+    EXPECT_EQ(told, (std::vector<std::string>{"ctrl.setParamNormalized id=7000 value=0.300000",
+                                              "ctrl.setParamNormalized id=7000 value=0.800000",
+                                              "ctrl.setParamNormalized id=7000 value=0.300000"}));
+}
+
+TEST(Vst3Standard, AnEditorEditReachesTheProcessorAndTheHostOnceAndIsNotEchoedBack)
+{
+    const std::string dir = TempDir("edit-once");
+    WriteSmf(dir + "/notes.mid", kTwoNotes);
+    const SRunResult run = RunHost({"render", StandardBundle("MrvStrictSynth"), "--out", dir + "/out.wav", "--rate",
+                                    "48000", "--block", "256", "--seconds", "0.2", "--editor-at", "0.05", "--json",
+                                    "--no-progress"},
+                                   {"MRV_VST3_EDIT_ON_VIEW=7000=0.6"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const size_t edit = FindLine(run.trace, "ctrl.edit id=7000 value=0.600000");
+    ASSERT_NE(edit, std::string::npos);
+    EXPECT_EQ(CountLines(run.trace, "proc.param id=7000 value=0.600000"), 1u);
+    // The controller made the value itself: nothing brings it back to it.
+    EXPECT_EQ(FindLine(run.trace, "ctrl.setParamNormalized id=7000", edit), std::string::npos);
+    const nlohmann::json report = run.Json();
+    int sets = 0;
+    for (const auto& a : report["instances"][0]["automation"])
+        if (a["kind"] == "set" && a["parameter"] == "7000") {
+            ++sets;
+            EXPECT_EQ(a["origin"], "plugin");
+        }
+    EXPECT_EQ(sets, 1);
+}

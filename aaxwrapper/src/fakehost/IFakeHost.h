@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fakehost/HostMode.h"
+#include "fakehost/IPluginEditListener.h"
 
 class AAX_CEffectParameters;
 class AAX_IViewContainer;
@@ -58,10 +59,13 @@ public:
     virtual void Process(S_Alg_Context* context) = 0;
 
     EHostMode GetHostMode() const { return mHostMode; }
+    // STANDARD: who hears of the plug-in's own edits (set before Init).
+    void SetEditListener(IPluginEditListener* listener) { mEditListener = listener; }
 
 protected:
     bool IsStandard() const { return mHostMode == EHostMode::kStandard; }
 
     AAX_CEffectParameters& mEffectParameters;
     const EHostMode mHostMode;
+    IPluginEditListener* mEditListener = nullptr;
 };

@@ -75,12 +75,18 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
 }
 
 // What mainstream hosts answer where this host's classic answers differ.
-VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float,
+VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt,
                                           bool& handled)
 {
     handled = true;
     char parameterID[32];
     switch (opcode) {
+    case audioMasterAutomate:
+        // Heard first, so that the host's echo of the value is not sent back.
+        if (mEditListener != nullptr)
+            mEditListener->OnPluginValue(static_cast<uint32_t>(index), static_cast<double>(opt));
+        handled = false;
+        return 0;
     case audioMasterGetSampleRate:
         return static_cast<VstIntPtr>(mSampleRate);
     case audioMasterGetBlockSize:

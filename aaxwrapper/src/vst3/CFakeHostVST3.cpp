@@ -159,6 +159,7 @@ bool CFakeHostVST3::Init()
             mFactory->addRef();
         mLoaderFactoryRef = false;
         mVst3Loader = new CVST3Loader(mFactory, mClassInfo.cid, mEffectParameters, mHostMode);
+        mVst3Loader->setEditListener(mEditListener);
     }
     MV_COND_ASSERT("fakehost", mVst3Loader != nullptr, "mVst3Loader!=0");
     if (!mVst3Loader)

@@ -19,6 +19,7 @@
 #include "pluginterfaces/vst/ivstunits.h"
 #include "ProcessGate.h"
 #include "fakehost/HostMode.h"
+#include "fakehost/IPluginEditListener.h"
 #include "public.sdk/source/common/memorystream.h"
 #include "vst3/hosting/EventList.h"
 #include "vst3/hosting/HostProcessData.h"
@@ -58,6 +59,8 @@ public:
     // STANDARD, main thread: set up at this rate and switch the component on;
     // again (switched off meanwhile, processing held off) on a rate change.
     bool activate(double sampleRate);
+    // STANDARD: told of the plug-in's own edits before the AAX host is.
+    void setEditListener(IPluginEditListener* listener) { mEditListener = listener; }
     // Why the pair could not be made; empty when it was.
     const std::string& getLoadError() const { return mLoadError; }
     // The most samples one process call may be given.
@@ -163,6 +166,7 @@ private:
     const Steinberg::int32 mMaxBlock;
     double mSampleRate = 0.0;
     std::string mLoadError;
+    IPluginEditListener* mEditListener = nullptr;
     Morvane::CProcessGate mGate;
     std::array<Steinberg::int32, kMidiChannels> mProgramChangeSteps{};
 

@@ -27,6 +27,15 @@ tresult PLUGIN_API CVST3Loader::beginEdit(ParamID id)
 
 tresult PLUGIN_API CVST3Loader::performEdit(ParamID id, ParamValue valueNormalized)
 {
+    if (mStandard) {
+        // Once to the AAX host, whose echo the listener then recognises, and
+        // once to the processor; the controller already has its own value.
+        if (mEditListener)
+            mEditListener->OnPluginValue(id, valueNormalized);
+        mOwner.SetParameterNormalizedValue(ParamIdText(id).text, valueNormalized);
+        mHostToProcessor.addChange(id, valueNormalized, 0);
+        return kResultOk;
+    }
     mOwner.SetParameterNormalizedValue(ParamIdText(id).text, valueNormalized);
     mHostToController.addChange(id, valueNormalized, 0);
     mHostToProcessor.addChange(id, valueNormalized, 0);
@@ -88,8 +97,11 @@ void CVST3Loader::rereadParameterValues()
         const double value = mController->getParamNormalized(info.id);
         const ParamIdText id(info.id);
         double current = 0.0;
-        if (mOwner.GetParameterNormalizedValue(id.text, &current) == 0 && current != value)
-            mOwner.SetParameterNormalizedValue(id.text, value);
+        if (mOwner.GetParameterNormalizedValue(id.text, &current) != 0 || current == value)
+            continue;
+        if (mEditListener)
+            mEditListener->OnPluginValue(info.id, value);
+        mOwner.SetParameterNormalizedValue(id.text, value);
     }
 }
 

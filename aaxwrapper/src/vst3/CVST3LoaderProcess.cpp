@@ -7,7 +7,9 @@ using namespace Steinberg::Vst;
 
 void CVST3Loader::addParameterChange(unsigned int id, double value, int sampleOffset)
 {
-    mHostToController.addChange(id, value, sampleOffset);
+    // STANDARD: the controller was told at once by AddInputChangeForGUI.
+    if (!mStandard)
+        mHostToController.addChange(id, value, sampleOffset);
     mHostToProcessor.addChange(id, value, sampleOffset);
 }
 
