@@ -171,6 +171,7 @@ TEST_F(AlgorithmProcessTest, AnotherInstanceComingAndGoingNeverDisturbsTheLogOfO
     mLog = std::make_unique<TestSupport::CLogCapture>(std::vector<std::string>{"process"});
     constexpr size_t kBuffers = 250;
     constexpr int kCycles = 1000;
+    Script().logProcess = true;
     auto processing = MakeWrapper();
     Instance instance(processing.get());
     std::atomic<size_t> processed{0};

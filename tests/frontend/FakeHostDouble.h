@@ -19,6 +19,7 @@ struct FakeHostScript {
     size_t throwAtCall = 0;           // Process call number (1-based) that throws; 0: never
     std::vector<char> state{'s', 't', 'a', 't', 'e'};
     std::vector<std::string> processedBy;  // names of doubles whose Process ran
+    bool logProcess = false;               // Process logs a numbered line, as a plug-in's path may
 };
 
 class FakeHostDouble : public IFakeHost {
@@ -55,8 +56,8 @@ public:
     }
     void Process(S_Alg_Context*) override
     {
-        // As a plug-in's real-time path logs: filtered first, then recorded.
-        MV_LOG("process", kLogDebug, "double ", mName, " processed ", mScript->processedBy.size());
+        if (mScript->logProcess)
+            MV_LOG("process", kLogDebug, "double ", mName, " processed ", mScript->processedBy.size());
         mScript->processedBy.push_back(mName);
         if (mScript->processedBy.size() == mScript->throwAtCall)
             throw Morvane::CException("plug-in failed in " + mName);
