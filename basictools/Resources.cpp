@@ -1,5 +1,7 @@
 #include "Resources.h"
 
+#include "RegularFile.h"
+
 #include <fstream>
 
 #include "Locations.h"
@@ -79,10 +81,9 @@ bool Resources::GetAbsolutePath(const std::string& relativePath, std::string& ou
     for (const std::string& folder : m_folders) {
         const std::string candidate = folder + relativePath;
         // Readability is what matters, not existence: an unreadable file
-        // is as good as absent to the caller.
-        std::ifstream file(candidate, std::ios::in);
-        if (file.is_open()) {
-            file.close();
+        // is as good as absent to the caller. Only regular files and folders
+        // count: opening a FIFO to find out would block for ever.
+        if (IsReadableFileOrFolder(candidate)) {
             outAbsolutePath = candidate;
             MV_LOG(kCategory, kLogInfo, "[CONF] File found on ", candidate);
             return true;

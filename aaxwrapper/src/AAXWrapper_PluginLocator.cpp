@@ -1,11 +1,9 @@
 #include "AAXWrapper_PluginLocator.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cstdlib>
 
 #include "CSingleton.h"
+#include "RegularFile.h"
 #include "Resources.h"
 #include "stlutils.h"
 #include "logger/CLog.h"
@@ -59,15 +57,6 @@ void AppendLinuxFolders(const std::string& name, const std::string& extension, s
 }
 #endif
 
-// Only whether the path opens matters: a bundle folder counts as found.
-bool OpensForReading(const std::string& path)
-{
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0)
-        return false;
-    ::close(fd);
-    return true;
-}
 
 }  // namespace
 
@@ -89,7 +78,10 @@ std::vector<std::string> BuildPluginCandidates(const std::string& name, const st
 std::string FindPluginFile(const std::vector<std::string>& candidates)
 {
     for (const std::string& candidate : candidates) {
-        if (OpensForReading(candidate))
+        // Whether the path can be read, not what it holds: a bundle folder
+        // counts as found. A FIFO or a device does not (opening one to find
+        // out could block for ever).
+        if (IsReadableFileOrFolder(candidate))
             return candidate;
         MV_LOG("fakehost", kLogWarning, "VST file not found on ", candidate);
     }

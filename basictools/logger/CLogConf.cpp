@@ -8,25 +8,24 @@
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <sstream>
 #include <vector>
 
 #include "logger/CLog.h"
+#include "RegularFile.h"
 #include "stlutils.h"
 
 namespace {
 
 constexpr std::size_t kConfLineBuffer = 256;
+// A configuration is a few lines; a megabyte is far past any real one.
+constexpr std::size_t kMaxConfBytes = 1024 * 1024;
 
-// A folder opens fine as a stream on Linux but can never be a configuration.
+// Only a regular file can be a configuration: a folder, a FIFO or a device
+// (which would block or never end) cannot.
 bool CanReadConf(const std::string& path)
 {
-    struct stat info {};
-    if (stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode))
-        return false;
-    std::ifstream probe(path.c_str());
-    const bool opened = probe.is_open();
-    probe.close();
-    return opened;
+    return Morvane::FileKind(path) == Morvane::EFileKind::kRegular;
 }
 
 bool ParseLevelWord(const std::string& word, ELogLevel& level)
@@ -107,9 +106,13 @@ void CLog::reloadConf(const std::string& path)
 
 void CLog::parseConfFile(const std::string& path, CategoryTable& table)
 {
-    std::ifstream file(path.c_str());
-    if (!file.is_open())
+    std::string text;
+    std::string error;
+    if (!Morvane::ReadRegularFile(path, kMaxConfBytes, text, error)) {
+        std::cout << "## WARNING : configuration not read: " << error << "\n";
         return;
+    }
+    std::istringstream file(text);
     int debugAllFlag = 0;
     char buffer[kConfLineBuffer];
     std::vector<std::string> tokens;
@@ -159,7 +162,6 @@ void CLog::parseConfFile(const std::string& path, CategoryTable& table)
         if (file.eof())
             break;
     }
-    file.close();
 }
 
 void CLog::openOutput()
@@ -171,8 +173,10 @@ void CLog::openOutput()
         finalPath = makeFinalOutputPath(mOutputFileName, makeTimeStamp(start), std::getenv("HOME"));
         mOutputFileName = finalPath;
         std::cout << "## Final Output File : " << finalPath << "\n";
-        // The output file is chosen once for the life of the log.
-        if (!mOutputFile.is_open())
+        // The output file is chosen once for the life of the log. A FIFO or
+        // a device would block or swallow the log: only a regular file, or a
+        // new one.
+        if (!mOutputFile.is_open() && Morvane::IsWritableTarget(finalPath))
             mOutputFile.open(finalPath.c_str(), std::ios::out | std::ios::trunc);
     }
     if (mOutputFile.is_open()) {

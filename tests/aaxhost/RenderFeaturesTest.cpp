@@ -106,7 +106,7 @@ TEST(Render, BadStateFilesAreRefused)
 
     const std::pair<std::string, std::string> cases[] = {{"truncated.state", "truncated"},
                                                          {"garbage.state", "not an aaxhost state file"},
-                                                         {"missing.state", "cannot read state file"}};
+                                                         {"missing.state", "cannot read the state file"}};
     for (const auto& c : cases) {
         const SRunResult r = RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/b.wav", "--load-state",
                                       dir + "/" + c.first});

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
@@ -11,6 +12,8 @@ namespace AAXHost {
 namespace {
 
 const char* volatile gPhase = "starting";
+volatile bool gPhaseIsHost = true;
+volatile bool gNormalExit = false;
 
 void WriteText(const char* text)
 {
@@ -21,16 +24,30 @@ void WriteText(const char* text)
 void OnCrash(int signal)
 {
     // Only async-signal-safe calls from here on.
-    WriteText("aaxhost: error: the plug-in crashed (");
+    WriteText(gPhaseIsHost ? "aaxhost: error: aaxhost crashed (" : "aaxhost: error: the plug-in crashed (");
     WriteText(signal == SIGSEGV ? "SIGSEGV" : signal == SIGBUS ? "SIGBUS" : signal == SIGFPE ? "SIGFPE"
               : signal == SIGILL ? "SIGILL" : "SIGABRT");
-    WriteText(") during ");
+    WriteText(gPhaseIsHost ? ") while " : ") during ");
     WriteText(gPhase);
     WriteText("\n");
     _exit(kExitPluginCrashed);
 }
 
+// Plug-ins have been seen to call exit() (amsynth's editor without a
+// display): say so instead of ending silently.
+void OnExit()
+{
+    if (gNormalExit)
+        return;
+    WriteText("aaxhost: error: the plug-in ended the process during ");
+    WriteText(gPhase);
+    WriteText("\n");
+    _exit(1);
+}
+
 }  // namespace
+
+void InstallExitReport() { std::atexit(OnExit); }
 
 void InstallCrashReport()
 {
@@ -43,6 +60,18 @@ void InstallCrashReport()
         sigaction(s, &action, nullptr);
 }
 
-void SetPhase(const char* phase) { gPhase = phase; }
+void SetPhase(const char* phase)
+{
+    gPhase = phase;
+    gPhaseIsHost = false;
+}
+
+void SetHostPhase(const char* phase)
+{
+    gPhase = phase;
+    gPhaseIsHost = true;
+}
+
+void MarkNormalExit() { gNormalExit = true; }
 
 }  // namespace AAXHost

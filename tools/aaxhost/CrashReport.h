@@ -7,7 +7,15 @@ namespace AAXHost {
 constexpr int kExitPluginCrashed = 3;
 
 void InstallCrashReport();
-// phase must be a string literal (or otherwise live for the whole run).
+// Reports a plug-in that calls exit() (see MarkNormalExit).
+void InstallExitReport();
+// What is running now, for the report: the plug-in's code (SetPhase) or
+// aaxhost's own work on files (SetHostPhase). phase must be a string
+// literal (or otherwise live for the whole run).
 void SetPhase(const char* phase);
+void SetHostPhase(const char* phase);
+// Until called, a plug-in that ends the process (exit()) is reported, with
+// exit code 1 however it ended it.
+void MarkNormalExit();
 
 }  // namespace AAXHost

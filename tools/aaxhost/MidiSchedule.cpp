@@ -1,11 +1,17 @@
 #include "MidiSchedule.h"
 
-#include <smf.h>
-
 #include <algorithm>
 #include <cmath>
 
+#include "RegularFile.h"
+#include "SmfReader.h"
+
 namespace AAXHost {
+
+namespace {
+constexpr size_t kMaxMidiFileBytes = 64 * 1024 * 1024;
+constexpr double kMaxEventSeconds = 86400.0;
+}  // namespace
 
 uint32_t ChannelMessageLength(uint8_t status)
 {
@@ -19,33 +25,34 @@ uint32_t ChannelMessageLength(uint8_t status)
 bool CMidiSchedule::LoadSmf(const std::string& path, double sampleRate, double tempoBPM, std::string& error,
                             double* fileTempo)
 {
-    smf_t* smf = smf_load(path.c_str());
-    if (!smf) {
-        error = "cannot read MIDI file " + path;
+    std::string bytes;
+    if (!Morvane::ReadRegularFile(path, kMaxMidiFileBytes, bytes, error)) {
+        error = "cannot read the MIDI file: " + error;
+        return false;
+    }
+    SSmfFile smf;
+    if (!ParseSmf(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), smf, error)) {
+        error = "cannot read the MIDI file " + path + ": " + error;
         return false;
     }
     if (fileTempo) {
-        smf_tempo_t* t = smf_get_tempo_by_pulses(smf, 0);
-        *fileTempo = (t && t->microseconds_per_quarter_note > 0) ? 60000000.0 / t->microseconds_per_quarter_note : 120.0;
+        const bool atStart = !smf.tempos.empty() && smf.tempos.front().tick == 0;
+        *fileTempo = atStart ? 60000000.0 / smf.tempos.front().microsecondsPerQuarter : 120.0;
     }
-    const double ppqn = smf->ppqn > 0 ? smf->ppqn : 960;
-    smf_event_t* ev = nullptr;
-    while ((ev = smf_get_next_event(smf)) != nullptr) {
-        if (smf_event_is_metadata(ev) || ev->midi_buffer_length < 1)
+    for (const SSmfChannelEvent& ev : smf.events) {
+        const double seconds =
+            tempoBPM > 0.0 ? static_cast<double>(ev.tick) / smf.ticksPerQuarter * 60.0 / tempoBPM
+                           : SmfTickSeconds(smf, ev.tick);
+        // Events a day or more away are beyond any render.
+        if (!(seconds < kMaxEventSeconds))
             continue;
-        const uint8_t status = ev->midi_buffer[0];
-        const uint32_t len = ChannelMessageLength(status);
-        if (len == 0 || static_cast<uint32_t>(ev->midi_buffer_length) < len)
-            continue;
-        const double seconds = tempoBPM > 0.0 ? ev->time_pulses / ppqn * 60.0 / tempoBPM : ev->time_seconds;
         SMidiEvent e;
         e.sample = static_cast<int64_t>(std::llround(seconds * sampleRate));
-        e.length = len;
-        for (uint32_t i = 0; i < len; ++i)
-            e.data[i] = ev->midi_buffer[i];
+        e.length = ev.length;
+        for (uint32_t i = 0; i < ev.length; ++i)
+            e.data[i] = ev.data[i];
         Add(e);
     }
-    smf_delete(smf);
     return true;
 }
 

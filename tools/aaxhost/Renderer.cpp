@@ -143,19 +143,20 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
     report = SRenderReport();
     report.sampleRate = config.sampleRate;
     report.blockSize = config.blockSize;
-    if (config.sampleRate < 1000.0 || config.sampleRate > 1536000.0) {
-        error = "sample rate out of range";
+    if (!(config.sampleRate >= 1000.0 && config.sampleRate <= 1536000.0)) {
+        error = "--rate must be from 1000 to 1536000 Hz";
         return false;
     }
     if (config.blockSize < 1 || config.blockSize > 65536) {
         error = "block size must be from 1 to 65536";
         return false;
     }
-    if (!(config.seconds >= 0.0) || !(config.tail >= 0.0) || config.seconds > 86400.0 || config.tail > 86400.0) {
-        error = "--seconds and --tail must be from 0 to 86400";
+    if (!(config.seconds >= 0.0) || !(config.tail >= 0.0) || config.seconds > 86400.0 || config.tail > 86400.0 ||
+        !(config.tempo >= 0.0 && config.tempo <= 10000.0)) {
+        error = "--seconds and --tail must be from 0 to 86400, --tempo from 0 to 10000";
         return false;
     }
-    if (!(config.editorAt < 0.0) && !(config.editorAt <= 86400.0)) {
+    if (std::isnan(config.editorAt) || config.editorAt > 86400.0) {
         error = "--editor-at must be from 0 to 86400";
         return false;
     }
@@ -175,6 +176,7 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
 
     CMidiSchedule schedule;
     double fileTempo = 120.0;
+    SetHostPhase("reading the MIDI file");
     if (!config.midiPath.empty() &&
         !schedule.LoadSmf(config.midiPath, config.sampleRate, config.tempo, error, &fileTempo))
         return false;
@@ -209,10 +211,11 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
     }
 
     if (!config.loadState.empty()) {
-        SetPhase("state restore (SetChunk)");
+        SetHostPhase("reading the state file");
         std::vector<SStateChunk> chunks;
         if (!ReadStateFile(config.loadState, chunks, error))
             return false;
+        SetPhase("state restore (SetChunk)");
         for (auto& inst : instances)
             if (!LoadEffectState(*inst->Effect(), chunks, error))
                 return false;

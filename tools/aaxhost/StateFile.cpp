@@ -1,5 +1,7 @@
 #include "StateFile.h"
 
+#include "RegularFile.h"
+
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -116,13 +118,21 @@ bool ParseState(const uint8_t* bytes, size_t size, std::vector<SStateChunk>& chu
 bool WriteStateFile(const std::string& path, const std::vector<SStateChunk>& chunks, std::string& error)
 {
     const std::vector<uint8_t> bytes = SerializeState(chunks);
+    // A FIFO would block the open, a device swallow the state.
+    if (!Morvane::IsWritableTarget(path)) {
+        error = "cannot write the state file: " + path + " is not a regular file";
+        return false;
+    }
     std::ofstream f(path, std::ios::binary | std::ios::trunc);
     if (!f) {
         error = "cannot write state file " + path;
         return false;
     }
     f.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!f) {
+    // Write errors (a full disk) only show once the buffer goes out.
+    f.flush();
+    f.close();
+    if (f.fail()) {
         error = "cannot write state file " + path;
         return false;
     }
@@ -131,24 +141,12 @@ bool WriteStateFile(const std::string& path, const std::vector<SStateChunk>& chu
 
 bool ReadStateFile(const std::string& path, std::vector<SStateChunk>& chunks, std::string& error)
 {
-    std::ifstream f(path, std::ios::binary | std::ios::ate);
-    if (!f) {
-        error = "cannot read state file " + path;
+    std::string bytes;
+    if (!Morvane::ReadRegularFile(path, kMaxFileBytes, bytes, error)) {
+        error = "cannot read the state file: " + error;
         return false;
     }
-    const std::streamoff size = f.tellg();
-    if (size < 0 || static_cast<uint64_t>(size) > kMaxFileBytes) {
-        error = "state file " + path + " is too large";
-        return false;
-    }
-    f.seekg(0);
-    std::vector<uint8_t> bytes(static_cast<size_t>(size));
-    f.read(reinterpret_cast<char*>(bytes.data()), size);
-    if (!f) {
-        error = "cannot read state file " + path;
-        return false;
-    }
-    if (!ParseState(bytes.data(), bytes.size(), chunks, error)) {
+    if (!ParseState(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), chunks, error)) {
         error = path + ": " + error;
         return false;
     }

@@ -163,28 +163,41 @@ int main(int argc, char** argv)
     gui->add_option("--effect", gc.effectID, "Effect ID to open (default: the first)");
     gui->add_flag("--json", json, "Print the sizes as JSON");
 
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        // Help and version are answered as the parser does; every other
+        // command-line error is an ordinary failure, exit 1.
+        if (e.get_exit_code() == 0)
+            return app.exit(e);
+        return Fail(e.what());
+    }
     // Sanitizer builds report crashes themselves, in more detail.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     InstallCrashReport();
 #endif
-
-    if (*describe)
-        return Describe(bundle, json);
-    if (*params)
-        return DoParams(bundle, paramsEffect, json);
-    if (*render) {
-        std::string error;
-        for (const auto& s : sets) {
-            SParameterSet set;
-            if (!ParseParameterSet(s, set, error))
+    InstallExitReport();
+    const auto run = [&]() -> int {
+        if (*describe)
+            return Describe(bundle, json);
+        if (*params)
+            return DoParams(bundle, paramsEffect, json);
+        if (*render) {
+            std::string error;
+            for (const auto& s : sets) {
+                SParameterSet set;
+                if (!ParseParameterSet(s, set, error))
+                    return Fail(error);
+                rc.sets.push_back(set);
+            }
+            if (!meter.empty() && !ParseMeter(meter, rc.meterNumerator, rc.meterDenominator, error))
                 return Fail(error);
-            rc.sets.push_back(set);
+            rc.progress = !noProgress;
+            return DoRender(bundle, rc);
         }
-        if (!meter.empty() && !ParseMeter(meter, rc.meterNumerator, rc.meterDenominator, error))
-            return Fail(error);
-        rc.progress = !noProgress;
-        return DoRender(bundle, rc);
-    }
-    return DoGui(bundle, gc, json);
+        return DoGui(bundle, gc, json);
+    };
+    const int code = run();
+    MarkNormalExit();
+    return code;
 }
