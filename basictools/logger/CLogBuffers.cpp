@@ -1,5 +1,7 @@
 #include "logger/CLogBuffers.h"
 
+#include <new>
+
 #include <chrono>
 #include <cstring>
 #include <exception>
@@ -34,8 +36,11 @@ uint64_t CLogBuffers::CurrentThreadKey()
 std::mutex& CLogBuffers::OutputMutex()
 {
     // Never destroyed: the log's own destructor may run among the static
-    // destructors, after a function-local mutex would be gone.
-    static std::mutex* const sMutex = new std::mutex;
+    // destructors, after a function-local mutex would be gone. Built in
+    // static storage rather than on the heap, so that a host loading and
+    // unloading the bundle many times leaks nothing.
+    alignas(std::mutex) static unsigned char sStorage[sizeof(std::mutex)];
+    static std::mutex* const sMutex = new (sStorage) std::mutex;
     return *sMutex;
 }
 

@@ -1,5 +1,9 @@
 #include "sharedobject/SharedObject.h"
 
+#ifndef __APPLE__
+#include "sharedobject/ElfImageCheck.h"
+#endif
+
 #include <cstdio>
 
 #include <dlfcn.h>
@@ -29,6 +33,10 @@ bool SharedObject::OpenLibrary(const std::string& path)
         lastError = "empty library path";
         return false;
     }
+#ifndef __APPLE__
+    if (!CheckElfImage(path, lastError))
+        return false;
+#endif
     handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) {
         const char* error = dlerror();

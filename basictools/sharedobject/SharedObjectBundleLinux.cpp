@@ -3,6 +3,7 @@
 #ifndef __APPLE__
 
 #include "sharedobject/SharedObject.h"
+#include "sharedobject/ElfImageCheck.h"
 
 #include <vector>
 
@@ -81,6 +82,9 @@ bool SharedObject::OpenBundleImpl(const std::string& path)
         return false;
     }
 
+    // A truncated library would kill the process inside dlopen (SIGBUS).
+    if (!CheckElfImage(library, lastError))
+        return false;
     handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) {
         const char* error = dlerror();

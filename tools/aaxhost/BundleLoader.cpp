@@ -1,5 +1,7 @@
 #include "BundleLoader.h"
 
+#include "sharedobject/ElfImageCheck.h"
+
 #include <dlfcn.h>
 
 #include <filesystem>
@@ -86,6 +88,12 @@ bool LoadBundle(const std::string& bundlePath, SLoadedBundle& out, std::string& 
     out.bundlePath = bundlePath;
     if (!FindBundleLibrary(bundlePath, out.libraryPath, error))
         return false;
+    // A truncated library would kill aaxhost inside dlopen (SIGBUS).
+    std::string why;
+    if (!Morvane::CheckElfImage(out.libraryPath, why)) {
+        error = "cannot load " + out.libraryPath + ": " + why;
+        return false;
+    }
     dlerror();
     out.handle = dlopen(out.libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!out.handle) {
