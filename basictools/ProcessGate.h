@@ -37,6 +37,19 @@ private:
     std::atomic<int> mInFlight{0};
 };
 
+// Leaves a gate entered with TryEnter at the end of a scope, also when an
+// exception ends it.
+class CProcessGateLeave {
+public:
+    explicit CProcessGateLeave(CProcessGate& gate) : mGate(gate) {}
+    ~CProcessGateLeave() { mGate.Leave(); }
+    CProcessGateLeave(const CProcessGateLeave&) = delete;
+    CProcessGateLeave& operator=(const CProcessGateLeave&) = delete;
+
+private:
+    CProcessGate& mGate;
+};
+
 // Closes a gate for one scope.
 class CProcessGateClosed {
 public:

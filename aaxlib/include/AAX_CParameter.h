@@ -100,6 +100,8 @@ public:
 
     void SetNormalizedValue(double newNormalizedValue) override
     {
+        // A NaN or an infinity (from a corrupt chunk, say) is no value.
+        if (!std::isfinite(newNormalizedValue)) return;
         const double request = mTaperDelegate->RealToNormalized(mTaperDelegate->NormalizedToReal(newNormalizedValue));
         if (mAutomationDelegate != nullptr) {
             // The value changes only when the host answers the request.
@@ -212,6 +214,7 @@ public:
 
     void UpdateNormalizedValue(double newNormalizedValue) override
     {
+        if (!std::isfinite(newNormalizedValue)) return;
         const T newValue = mTaperDelegate->NormalizedToReal(newNormalizedValue);
         if (!mNeedNotify && newValue == mValue) return;
         mValue = newValue;

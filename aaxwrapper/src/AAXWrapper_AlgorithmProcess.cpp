@@ -80,6 +80,13 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
             IFakeHost* const fakeHost = wrapper->GetFakeHost();
             if (fakeHost == nullptr)
                 continue;
+            // A restore that started after the flag test above waits for
+            // this call; one that has closed the gate meanwhile gets silence.
+            if (!wrapper->ProcessGate().TryEnter()) {
+                Silence(*context, bytes);
+                continue;
+            }
+            Morvane::CProcessGateLeave leave(wrapper->ProcessGate());
             fakeHost->Process(context);
         }
     } catch (const Morvane::CException& e) {

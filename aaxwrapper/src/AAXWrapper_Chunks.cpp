@@ -105,8 +105,12 @@ AAX_Result AAXWrapper_Parameters::SetChunk(AAX_CTypeID iChunkID, const AAX_SPlug
             // Would read far past the host's block once made unsigned.
             MV_LOG("parameters", kLogError, "SetChunk", " negative size ", iChunk->fSize, ", state ignored");
         } else {
+            // No process call that began before the flag may still be inside
+            // the plug-in: wait for them (the audio thread never waits).
+            Morvane::CProcessGateClosed closed(mProcessGate);
             CallFakeHost("SetChunk", [&] {
                 mFakeHost->SetState(static_cast<unsigned int>(iChunk->fSize), const_cast<char*>(iChunk->fData));
+                ReadParametersFromPlugin();
             });
             MV_LOG("parameters", kLogInfo, "SetChunk", " OUT ", iChunkID, " size = ", iChunk->fSize);
         }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -198,6 +199,11 @@ void AAXWrapper_Parameters::PublishPluginParameters()
         std::string name;
         float value = 0.0f;
         mFakeHost->GetParameterInfo(index, name, value);
+        if (!std::isfinite(value)) {
+            MV_LOG("parameters", kLogWarning, "Parameter ", index, " (", name, ") reports a value that is not a number;",
+                   " published at 0");
+            value = 0.0f;
+        }
         char id[32];
         if (IsStandard()) {
             const uint32_t tag = mFakeHost->GetParameterTag(index);
@@ -211,6 +217,7 @@ void AAXWrapper_Parameters::PublishPluginParameters()
         } else {
             std::snprintf(id, sizeof(id), "%d", index);
         }
+        mPublished.emplace_back(index, id);
         auto* parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
                                                     AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
                                                     AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
@@ -240,6 +247,13 @@ AAX_Result AAXWrapper_Parameters::ResetFieldData(AAX_CFieldIndex inFieldIndex, v
 AAX_Result AAXWrapper_Parameters::UpdateParameterNormalizedValue(AAX_CParamID iParameterID, double iValue,
                                                                  AAX_EUpdateSource iSource)
 {
+    // A NaN or an infinity is no parameter value: it reaches neither the
+    // plug-in nor the AAX parameter.
+    if (!std::isfinite(iValue)) {
+        MV_LOG("parameters", kLogWarning, "UpdateParameterNormalizedValue: ", iParameterID ? iParameterID : "(null)",
+               " refused, not a finite value");
+        return AAX_ERROR_INVALID_ARGUMENT;
+    }
     if (mFakeHost != nullptr && iParameterID != nullptr && std::strcmp(iParameterID, kMasterBypassID) != 0) {
         CallFakeHost("UpdateParameterNormalizedValue", [&] { ForwardParameterChange(iParameterID, iValue); });
     }
@@ -291,6 +305,27 @@ void AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double 
     last.store(iValue, std::memory_order_relaxed);
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
+}
+
+// After the plug-in's own state was restored: the AAX parameters take the
+// plug-in's values, so that a state whose parameter chunk is missing or
+// stale cannot leave two different truths behind (nothing goes back to the
+// plug-in: the base update only moves the AAX side).
+void AAXWrapper_Parameters::ReadParametersFromPlugin()
+{
+    for (const auto& published : mPublished) {
+        double value = 0.0;
+        if (!mFakeHost->GetParameterValue(published.first, value) || !std::isfinite(value))
+            continue;
+        double current = 0.0;
+        if (GetParameterNormalizedValue(published.second.c_str(), &current) == AAX_SUCCESS &&
+            static_cast<float>(current) == static_cast<float>(value))
+            continue;
+        AAX_CEffectParameters::UpdateParameterNormalizedValue(published.second.c_str(), value,
+                                                              AAX_eUpdateSource_Chunk);
+        if (IsStandard() && static_cast<size_t>(published.first) < mLastValueCount)
+            mLastValues[static_cast<size_t>(published.first)].store(value, std::memory_order_relaxed);
+    }
 }
 
 void AAXWrapper_Parameters::OnPluginValue(uint32_t tag, double value)

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "AAX_CEffectParameters.h"
+#include "ProcessGate.h"
 #include "fakehost/IPluginEditListener.h"
 
 class IFakeHost;
@@ -45,6 +46,9 @@ public:
     // Read by the real-time callback and the view.
     IFakeHost* GetFakeHost() const { return mFakeHost; }
     bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
+    // Entered by the real-time callback around Process; a state restore
+    // closes it, so that it never runs beside a process call.
+    Morvane::CProcessGate& ProcessGate() const { return mProcessGate; }
 
     // Test seam: when set, the constructor asks this function for the fake
     // host instead of choosing one by extension (path is what the file search
@@ -61,6 +65,7 @@ private:
     void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
     void OnPluginValue(uint32_t tag, double value) override;
+    void ReadParametersFromPlugin();
     bool IsStandard() const;
 
     IFakeHost* mFakeHost = nullptr;
@@ -73,6 +78,12 @@ private:
     std::unordered_map<uint32_t, int> mIndexByTag;
     std::unique_ptr<std::atomic<double>[]> mLastValues;
     size_t mLastValueCount = 0;
+    // Every published parameter: its index and AAX identifier.
+    std::vector<std::pair<int, std::string>> mPublished;
+    // A deliberate addition to the loading flag: the flag alone let a
+    // process call that began before it run on inside the plug-in while its
+    // state was being restored.
+    mutable Morvane::CProcessGate mProcessGate;
     // Set while a chunk is being restored; the callback outputs silence then.
     // Atomic only so the cross-thread read is well defined; no ordering needed.
     std::atomic<bool> mIsLoadingState{false};

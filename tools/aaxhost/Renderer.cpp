@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -122,12 +123,33 @@ double SChannelStats::Rms() const
 
 void SChannelStats::Add(const float* data, int frames)
 {
+    // One pass, branch-free for ordinary samples.
+    float blockPeak = 0.0f;
+    double blockSquares = 0.0;
     for (int i = 0; i < frames; ++i) {
-        const double v = data[i];
-        peak = std::max(peak, std::fabs(v));
-        sumSquares += v * v;
+        const float v = data[i];
+        const float magnitude = std::fabs(v);
+        if (!(magnitude <= std::numeric_limits<float>::max())) {
+            ++(std::isnan(v) ? nans : infinities);
+            continue;
+        }
+        if (magnitude != 0.0f && magnitude < std::numeric_limits<float>::min())
+            ++denormals;
+        blockPeak = std::max(blockPeak, magnitude);
+        blockSquares += static_cast<double>(v) * v;
     }
+    peak = std::max(peak, static_cast<double>(blockPeak));
+    sumSquares += blockSquares;
     samples += frames;
+}
+
+bool RenderOutputIsFinite(const SRenderReport& report)
+{
+    for (const auto& inst : report.instances)
+        for (const auto& c : inst.channels)
+            if (!c.Finite())
+                return false;
+    return true;
 }
 
 std::string InstanceFileName(const std::string& path, int instance)
@@ -367,7 +389,8 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
     for (const auto& inst : report.instances) {
         json channels = json::array();
         for (const auto& c : inst.channels)
-            channels.push_back({{"peak", c.peak}, {"rms", c.Rms()}});
+            channels.push_back({{"peak", c.peak}, {"rms", c.Rms()}, {"nan", c.nans}, {"inf", c.infinities},
+                                {"denormal", c.denormals}});
         json midiOut = json::array();
         for (const auto& m : inst.midiOut) {
             json bytes = json::array();
@@ -411,12 +434,15 @@ void PrintRenderReport(std::ostream& out, const SRenderReport& report)
         for (size_t c = 0; c < inst.channels.size(); ++c) {
             const SChannelStats& s = inst.channels[c];
             // Silent stems would only bury the channels that matter.
-            if (c >= 2 && s.peak == 0.0)
+            if (c >= 2 && s.peak == 0.0 && s.Finite() && s.denormals == 0)
                 continue;
-            std::snprintf(line, sizeof line, "  channel %2zu  peak %8.2f dBFS  rms %8.2f dBFS\n", c,
+            std::snprintf(line, sizeof line, "  channel %2zu  peak %8.2f dBFS  rms %8.2f dBFS", c,
                           s.peak > 0 ? 20.0 * std::log10(s.peak) : -INFINITY,
                           s.Rms() > 0 ? 20.0 * std::log10(s.Rms()) : -INFINITY);
             out << line;
+            if (!s.Finite() || s.denormals > 0)
+                out << "  NaN " << s.nans << "  Inf " << s.infinities << "  denormal " << s.denormals;
+            out << "\n";
         }
         for (const auto& f : inst.files)
             out << "  wrote " << f << "\n";

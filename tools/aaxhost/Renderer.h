@@ -16,12 +16,19 @@ namespace AAXHost {
 
 class CPluginSession;
 
+// Level of one output channel over the render. Peak and RMS are of the
+// finite samples; NaN and infinities are counted apart, never taken for
+// silence, and so are denormals (slow on most processors).
 struct SChannelStats {
     double peak = 0.0;
     double sumSquares = 0.0;
     int64_t samples = 0;
+    int64_t nans = 0;
+    int64_t infinities = 0;
+    int64_t denormals = 0;
     double Rms() const;
     void Add(const float* data, int frames);
+    bool Finite() const { return nans == 0 && infinities == 0; }
 };
 
 struct SInstanceReport {
@@ -47,6 +54,8 @@ bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport&
 std::string InstanceFileName(const std::string& path, int instance);
 
 nlohmann::json RenderReportToJson(const SRenderReport& report);
+// False when any output sample is NaN or infinite: such a render is a failure.
+bool RenderOutputIsFinite(const SRenderReport& report);
 void PrintRenderReport(std::ostream& out, const SRenderReport& report);
 
 }  // namespace AAXHost

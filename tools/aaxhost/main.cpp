@@ -67,6 +67,8 @@ int DoRender(const std::string& bundle, const SRenderConfig& config)
         jsonOut.Write(RenderReportToJson(report));
     else
         PrintRenderReport(std::cout, report);
+    if (!RenderOutputIsFinite(report))
+        return CloseSession(session, Fail("the output holds NaN or infinite samples (see the channel counts)"));
     return CloseSession(session, 0);
 }
 
