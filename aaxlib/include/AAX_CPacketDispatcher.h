@@ -12,6 +12,8 @@
 #include "AAX.h"
 #include "AAX_CMutex.h"
 
+class AAX_IParameter;
+
 class AAX_IController;
 class AAX_IEffectParameters;
 
@@ -93,6 +95,10 @@ public:
     }
 
     AAX_Result SetDirty(AAX_CParamID paramID, bool iDirty = true);
+    // Sets the parameter's value and marks its packets dirty under the
+    // dispatcher's lock, so that Dispatch on another host thread never reads
+    // a value half-written.
+    AAX_Result UpdateParameter(AAX_IParameter& parameter, AAX_CParamID paramID, double normalizedValue);
     AAX_Result Dispatch();
     // The standard single-value handler (float as 4 bytes, bool and int32 as
     // a 4-byte integer, double as 8 bytes).

@@ -236,8 +236,7 @@ AAX_Result AAX_CEffectParameters::UpdateParameterNormalizedValue(AAX_CParamID iP
                                                                  AAX_EUpdateSource /*iSource*/)
 {
     AAXLIB_LOOKUP_OR_FAIL(param, iParameterID);
-    param->UpdateNormalizedValue(iValue);
-    const AAX_Result result = mPacketDispatcher.SetDirty(iParameterID, true);
+    const AAX_Result result = mPacketDispatcher.UpdateParameter(*param, iParameterID, iValue);
     ++mNumPlugInChanges;
     return result;
 }

@@ -53,6 +53,17 @@ AAX_Result AAX_CPacketDispatcher::SetDirty(AAX_CParamID paramID, bool iDirty)
     return AAX_SUCCESS;
 }
 
+AAX_Result AAX_CPacketDispatcher::UpdateParameter(AAX_IParameter& parameter, AAX_CParamID paramID,
+                                                  double normalizedValue)
+{
+    AAX_StLock_Guard guard(mLockGuard);
+    parameter.UpdateNormalizedValue(normalizedValue);
+    if (paramID == nullptr) return AAX_SUCCESS;
+    auto range = mPacketsHandlers.equal_range(paramID);
+    for (auto it = range.first; it != range.second; ++it) it->second.mPacket.SetDirty(true);
+    return AAX_SUCCESS;
+}
+
 AAX_Result AAX_CPacketDispatcher::Dispatch()
 {
     AAX_StLock_Guard guard(mLockGuard);

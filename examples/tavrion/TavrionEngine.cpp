@@ -14,7 +14,7 @@ constexpr double kTwoPi = 6.283185307179586;
 CEngine::CEngine()
 {
     for (int i = 0; i < kNumParameters; ++i)
-        mParameters[i] = kParameterInfo[i].defaultValue;
+        mParameters[i].store(kParameterInfo[i].defaultValue, std::memory_order_relaxed);
     UpdateSettings();
 }
 
@@ -30,30 +30,40 @@ void CEngine::SetParameter(int index, float normalized)
 {
     if (index < 0 || index >= kNumParameters || !std::isfinite(normalized))
         return;
-    mParameters[index] = std::clamp(normalized, 0.0f, 1.0f);
-    UpdateSettings();
+    mParameters[index].store(std::clamp(normalized, 0.0f, 1.0f), std::memory_order_relaxed);
+    mParametersChanged.store(true, std::memory_order_release);
 }
 
 float CEngine::GetParameter(int index) const
 {
-    return index >= 0 && index < kNumParameters ? mParameters[index] : 0.0f;
+    return index >= 0 && index < kNumParameters ? mParameters[index].load(std::memory_order_relaxed) : 0.0f;
+}
+
+void CEngine::CopyParameters(float (&values)[kNumParameters]) const
+{
+    for (int i = 0; i < kNumParameters; ++i)
+        values[i] = mParameters[i].load(std::memory_order_relaxed);
 }
 
 void CEngine::SetAllParameters(const float (&values)[kNumParameters])
 {
-    std::memcpy(mParameters, values, sizeof(mParameters));
-    UpdateSettings();
+    for (int i = 0; i < kNumParameters; ++i)
+        mParameters[i].store(std::isfinite(values[i]) ? std::clamp(values[i], 0.0f, 1.0f) : 0.0f,
+                             std::memory_order_relaxed);
+    mParametersChanged.store(true, std::memory_order_release);
 }
 
 void CEngine::UpdateSettings()
 {
-    mGain = VolumeGain(mParameters[kParamVolume]);
-    mSettings.attackSeconds = AttackSeconds(mParameters[kParamAttack]);
+    float p[kNumParameters];
+    CopyParameters(p);
+    mGain = VolumeGain(p[kParamVolume]);
+    mSettings.attackSeconds = AttackSeconds(p[kParamAttack]);
     mSettings.decaySeconds = kDecaySeconds;
-    mSettings.sustainLevel = mParameters[kParamSustain];
-    mSettings.releaseSeconds = ReleaseSeconds(mParameters[kParamRelease]);
-    mSettings.square = IsSquare(mParameters[kParamWaveform]);
-    const double cutoff = std::min<double>(CutoffHz(mParameters[kParamCutoff]), 0.45 * mSettings.sampleRate);
+    mSettings.sustainLevel = p[kParamSustain];
+    mSettings.releaseSeconds = ReleaseSeconds(p[kParamRelease]);
+    mSettings.square = IsSquare(p[kParamWaveform]);
+    const double cutoff = std::min<double>(CutoffHz(p[kParamCutoff]), 0.45 * mSettings.sampleRate);
     mSettings.filterCoefficient = static_cast<float>(1.0 - std::exp(-kTwoPi * cutoff / mSettings.sampleRate));
 }
 
@@ -139,6 +149,8 @@ void CEngine::Render(float** outputs, int32_t frames)
 {
     if (frames < 0)
         frames = 0;
+    if (mParametersChanged.exchange(false, std::memory_order_acquire))
+        UpdateSettings();
     if (outputs != nullptr)
         for (int c = 0; c < kNumOutputs; ++c)
             if (outputs[c] != nullptr)

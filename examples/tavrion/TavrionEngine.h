@@ -2,6 +2,7 @@
 // that writes the main mix plus one stereo stem per MIDI channel.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "TavrionParameters.h"
@@ -25,11 +26,15 @@ class CEngine {
 public:
     CEngine();
 
+    // Called by the host while processing is suspended.
     void SetSampleRate(double rate);
     double SampleRate() const { return mSettings.sampleRate; }
+    // Parameters may be set and read from any thread at any time (hosts set
+    // them from their main thread while the audio thread renders): values
+    // are atomics, and Render takes them over at the start of a block.
     void SetParameter(int index, float normalized);
     float GetParameter(int index) const;
-    const float (&Parameters() const)[kNumParameters] { return mParameters; }
+    void CopyParameters(float (&values)[kNumParameters]) const;
     void SetAllParameters(const float (&values)[kNumParameters]);
 
     // Collects events for the next Render; may be called several times per block.
@@ -40,12 +45,14 @@ public:
     int ActiveVoices() const;
 
 private:
+    // Audio thread (or while suspended): settings from the parameters.
     void UpdateSettings();
     void HandleMidi(const QueuedMidi& message);
     void NoteOn(int channel, int note, int velocity);
     void NoteOff(int channel, int note);
 
-    float mParameters[kNumParameters];
+    std::atomic<float> mParameters[kNumParameters];
+    std::atomic<bool> mParametersChanged{true};
     VoiceSettings mSettings;
     float mGain = 0.0f;
     CVoice mVoices[kNumVoices];

@@ -156,7 +156,9 @@ VstIntPtr CPlugin::GetChunk(void** data)
 {
     if (data == nullptr)
         return 0;
-    WriteBankChunk(mEngine.Parameters(), mChunk);
+    float values[kNumParameters];
+    mEngine.CopyParameters(values);
+    WriteBankChunk(values, mChunk);
     *data = mChunk.data();
     return static_cast<VstIntPtr>(mChunk.size());
 }
@@ -166,7 +168,7 @@ VstIntPtr CPlugin::SetChunk(const void* data, VstIntPtr size)
     if (size <= 0)
         return 0;
     float values[kNumParameters];
-    std::memcpy(values, mEngine.Parameters(), sizeof(values));
+    mEngine.CopyParameters(values);
     if (!ReadBankChunk(data, static_cast<size_t>(size), values))
         return 0;
     mEngine.SetAllParameters(values);
