@@ -1,7 +1,9 @@
 #include "ProbePlugin.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <limits>
 
 namespace Vst2Probe {
 namespace {
@@ -133,6 +135,11 @@ VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, voi
     case effGetParamDisplay:
         if (index >= 0 && index < kNumParams && ptr != nullptr)
             std::snprintf(static_cast<char*>(ptr), kVstMaxParamStrLen, "%.3f", static_cast<double>(mParams[index]));
+        return 0;
+    case effOpen:
+        // A plug-in that gives up on the host by ending the process.
+        if (EnvInteger("VST2PROBE_EXIT_ON_OPEN", 0) != 0)
+            std::exit(1);
         return 0;
     case effEditGetRect:
         if (ptr == nullptr || EnvInteger("VST2PROBE_NO_RECT", 0) != 0)
@@ -267,6 +274,9 @@ void CProbe::ProcessReplacing(float** inputs, float** outputs, VstInt32 frames)
         for (VstInt32 i = 0; i < frames; ++i)
             outputs[c][i] = level;
     }
+    // A plug-in whose DSP blew up.
+    if (mEffect.numOutputs > 0 && outputs[0] != nullptr && frames > 0 && EnvInteger("VST2PROBE_NAN_OUTPUT", 0) != 0)
+        outputs[0][0] = std::numeric_limits<float>::quiet_NaN();
 }
 
 void CProbe::SetParameter(VstInt32 index, float value)
@@ -276,7 +286,12 @@ void CProbe::SetParameter(VstInt32 index, float value)
         mParams[index] = value;
 }
 
-float CProbe::GetParameter(VstInt32 index) { return index >= 0 && index < kNumParams ? mParams[index] : 0.0f; }
+float CProbe::GetParameter(VstInt32 index)
+{
+    if (index == 1 && EnvInteger("VST2PROBE_NAN_PARAMETER", 0) != 0)
+        return std::numeric_limits<float>::quiet_NaN();
+    return index >= 0 && index < kNumParams ? mParams[index] : 0.0f;
+}
 
 VstIntPtr CProbe::GetChunk(void** data)
 {
