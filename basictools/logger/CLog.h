@@ -67,6 +67,11 @@ public:
         return mStartTime;
     }
 
+    // The configuration parser on text already read: the category table it
+    // yields and the output file it names (the fuzzer's way in; reloadConf
+    // reads the file and calls it).
+    void parseConfText(const std::string& text, CategoryTable& table);
+
     // Output-file naming, exposed so that it can be checked for a given time.
     static std::string makeTimeStamp(std::time_t when);
     static std::string makeFinalOutputPath(const std::string& configuredName, const std::string& stamp,

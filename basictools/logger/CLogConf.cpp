@@ -112,6 +112,11 @@ void CLog::parseConfFile(const std::string& path, CategoryTable& table)
         std::cout << "## WARNING : configuration not read: " << error << "\n";
         return;
     }
+    parseConfText(text, table);
+}
+
+void CLog::parseConfText(const std::string& text, CategoryTable& table)
+{
     std::istringstream file(text);
     int debugAllFlag = 0;
     char buffer[kConfLineBuffer];
