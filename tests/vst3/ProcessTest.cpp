@@ -2,6 +2,7 @@
 // the MIDI corner cases, host changes and restarts a file-driven render
 // cannot produce.
 #include <cstdio>
+#include <thread>
 
 #include "AAX_CLinearTaperDelegate.h"
 #include "AAX_CNumberDisplayDelegate.h"
@@ -158,5 +159,35 @@ TEST(Vst3Standard, ValuesThePlugInChangedItselfAreReadBackIntoTheAaxParameters)
     ASSERT_EQ(owner.mSetValues.size(), 1u);
     EXPECT_EQ(owner.mSetValues[0].first, "0");
     EXPECT_DOUBLE_EQ(owner.mSetValues[0].second, 0.3);
+    host.Quit();
+}
+
+TEST(Vst3Standard, ARateChangeIsAppliedOnTheMainThreadWithTheComponentSwitchedOff)
+{
+    CTestOwner owner;
+    CTrace trace;
+    std::string path = BundlePath("MrvTestSynth");
+    CFakeHostVST3 host(owner, path, EHostMode::kStandard);
+    ASSERT_TRUE(host.Init());
+    host.Setup();  // no AAX controller: 44.1 kHz
+    CTestContext buffers(64, 96000.0f);
+    trace.Clear();
+    std::thread audio([&] { host.Process(buffers.Context()); });
+    audio.join();
+    // The audio thread only processed (switching processing on, as the first
+    // buffer does) and noted the new rate.
+    EXPECT_TRUE(trace.LinesStartingWith("proc.setupProcessing").empty());
+    EXPECT_TRUE(trace.LinesStartingWith("proc.setActive").empty());
+
+    host.ApplyPendingSettings();
+    const auto lines = trace.Lines();
+    std::vector<std::string> setup;
+    for (const std::string& line : lines)
+        if (line.rfind("proc.setActive", 0) == 0 || line.rfind("proc.setupProcessing", 0) == 0 ||
+            line.rfind("proc.setProcessing", 0) == 0)
+            setup.push_back(line);
+    EXPECT_EQ(setup, (std::vector<std::string>{"proc.setProcessing 1", "proc.setProcessing 0", "proc.setActive 0",
+                                               "proc.setupProcessing mode=0 size=0 max=4096 rate=96000.0",
+                                               "proc.setActive 1"}));
     host.Quit();
 }
