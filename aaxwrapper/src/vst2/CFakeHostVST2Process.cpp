@@ -132,6 +132,7 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         WriteSilence(context);
         return;
     }
+    Morvane::CProcessGateLeave leave(mGate);  // also when the plug-in throws
     currentContext = context;
     MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
     if (context->mSampleRate != nullptr) {
@@ -149,7 +150,6 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         for (int32_t start = 0; start < frames; start += kStandardMaxBlock)
             ProcessSlice(context, start, std::min(kStandardMaxBlock, frames - start));
     }
-    mGate.Leave();
 }
 
 void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames)

@@ -31,6 +31,15 @@ void CFakeHostVST3::Process(S_Alg_Context* context)
         WriteSilence(context);
         return;
     }
+    // Left on every way out, also when the plug-in throws.
+    struct SLeave {
+        Morvane::CProcessGate* gate;
+        ~SLeave()
+        {
+            if (gate)
+                gate->Leave();
+        }
+    } leave{standard ? &loader.gate() : nullptr};
     if (standard && context->mSampleRate) {
         const double rate = static_cast<double>(*context->mSampleRate);
         if (rate > 0.0 && rate != loader.getSampleRate())
@@ -48,8 +57,6 @@ void CFakeHostVST3::Process(S_Alg_Context* context)
             ProcessSlice(context, start, length, start + length >= frames);
         }
     }
-    if (standard)
-        loader.gate().Leave();
 }
 
 void CFakeHostVST3::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice)
