@@ -41,13 +41,19 @@ private:
 // exception ends it.
 class CProcessGateLeave {
 public:
-    explicit CProcessGateLeave(CProcessGate& gate) : mGate(gate) {}
-    ~CProcessGateLeave() { mGate.Leave(); }
+    explicit CProcessGateLeave(CProcessGate& gate) : mGate(&gate) {}
+    // A null gate: nothing was entered, nothing to leave.
+    explicit CProcessGateLeave(CProcessGate* gate) : mGate(gate) {}
+    ~CProcessGateLeave()
+    {
+        if (mGate != nullptr)
+            mGate->Leave();
+    }
     CProcessGateLeave(const CProcessGateLeave&) = delete;
     CProcessGateLeave& operator=(const CProcessGateLeave&) = delete;
 
 private:
-    CProcessGate& mGate;
+    CProcessGate* mGate;
 };
 
 // Closes a gate for one scope.

@@ -35,6 +35,14 @@ std::string CopyOfProbe(const std::string& dir)
 
 bool Crashed(const SRunResult& r) { return r.exitCode >= 3; }
 
+// Where the big-endian double of parameter "0" lies in an elck chunk.
+std::vector<char>::iterator ValueOfParameterZero(AAXHost::SStateChunk& chunk)
+{
+    const std::string name("d_0\0", 4);
+    auto at = std::search(chunk.data.begin(), chunk.data.end(), name.begin(), name.end());
+    return at == chunk.data.end() ? at : at + 4;
+}
+
 SRunResult RenderProbe(const std::string& bundle, const std::string& dir, std::vector<std::string> extra = {},
                        std::vector<std::string> env = {})
 {
@@ -168,14 +176,13 @@ TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
     for (auto& c : chunks) {
         if (c.id != kElckID)
             continue;
-        const std::string name("d_0\0", 4);
-        auto at = std::search(c.data.begin(), c.data.end(), name.begin(), name.end());
+        const auto at = ValueOfParameterZero(c);
         ASSERT_NE(at, c.data.end());
         const double nan = std::numeric_limits<double>::quiet_NaN();
         uint64_t bits = 0;
         std::memcpy(&bits, &nan, 8);
-        for (int i = 0; i < 8; ++i)  // stored big-endian
-            *(at + 4 + i) = static_cast<char>((bits >> (56 - 8 * i)) & 0xFF);
+        for (int i = 0; i < 8; ++i)
+            *(at + i) = static_cast<char>((bits >> (56 - 8 * i)) & 0xFF);
         poisoned = true;
     }
     ASSERT_TRUE(poisoned);
@@ -205,15 +212,14 @@ TEST(Hostile, AStateWithoutItsParameterChunkStillLeavesOneTruth)
                   .exitCode,
               0);
     ASSERT_TRUE(AAXHost::ReadStateFile(dir + "/again.state", chunks, error)) << error;
-    for (const auto& c : chunks) {
+    for (auto& c : chunks) {
         if (c.id != kElckID)
             continue;
-        const std::string name("d_0\0", 4);
-        auto at = std::search(c.data.begin(), c.data.end(), name.begin(), name.end());
+        const auto at = ValueOfParameterZero(c);
         ASSERT_NE(at, c.data.end());
         uint64_t bits = 0;
         for (int i = 0; i < 8; ++i)
-            bits = (bits << 8) | static_cast<uint8_t>(*(at + 4 + i));
+            bits = (bits << 8) | static_cast<uint8_t>(*(at + i));
         double value = 0;
         std::memcpy(&value, &bits, 8);
         EXPECT_NEAR(value, 0.9, 1e-6) << "the AAX parameter did not follow the plug-in's restored state";

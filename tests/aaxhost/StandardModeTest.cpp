@@ -94,8 +94,8 @@ class StandardInstrument : public ::testing::TestWithParam<SInstrument> {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(GetParam().library))
-            GTEST_SKIP() << GetParam().library << " is not installed";
+        ASSERT_TRUE(std::filesystem::exists(GetParam().library)) << GetParam().library
+                                                                  << " is missing: run scripts/setup";
         mDir = TempDir(std::string("standard-") + GetParam().name);
     }
     std::string mDir;
@@ -177,8 +177,7 @@ INSTANTIATE_TEST_SUITE_P(Debian, StandardInstrument, ::testing::ValuesIn(kInstru
 TEST(StandardEffect, MVerbReverberatesAtEveryRateAndBufferSize)
 {
     const char* library = "/usr/lib/vst/MVerb-vst.so";
-    if (!std::filesystem::exists(library))
-        GTEST_SKIP() << library << " is not installed";
+    ASSERT_TRUE(std::filesystem::exists(library)) << library << " is missing: run scripts/setup";
     const std::string dir = TempDir("mverb");
     for (int rate : kRates) {
         for (int block : kBlocks) {

@@ -6,10 +6,11 @@
 #include <cstdint>
 #include <string>
 
+#include "AAX_CEffectParameters.h"
+#include "AAX_IController.h"
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
 
-class AAX_CEffectParameters;
 class AAX_IViewContainer;
 struct S_Alg_Context;
 
@@ -64,6 +65,14 @@ public:
 
 protected:
     bool IsStandard() const { return mHostMode == EHostMode::kStandard; }
+    // The AAX host's sample rate, or fallback while there is no controller.
+    double HostSampleRate(double fallback) const
+    {
+        AAX_CSampleRate rate = 0.0f;
+        if (const AAX_IController* controller = mEffectParameters.Controller())
+            controller->GetSampleRate(&rate);
+        return rate > 0.0f ? static_cast<double>(rate) : fallback;
+    }
 
     AAX_CEffectParameters& mEffectParameters;
     const EHostMode mHostMode;

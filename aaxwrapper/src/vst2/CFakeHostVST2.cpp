@@ -81,11 +81,7 @@ VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr val
 bool CFakeHostVST2::Init()
 {
     if (IsStandard() && effect == nullptr && mEntry) {
-        AAX_CSampleRate rate = 0.0f;
-        if (AAX_IController* controller = mEffectParameters.Controller())
-            controller->GetSampleRate(&rate);
-        if (rate > 0.0f)
-            mSampleRate = static_cast<double>(rate);
+        mSampleRate = HostSampleRate(mSampleRate);
         CreateEffect(mEntry);
         mEntry = nullptr;
     }
@@ -132,11 +128,7 @@ void CFakeHostVST2::Setup()
 {
     if (!IsStandard() || effect == nullptr)
         return;
-    AAX_CSampleRate rate = 0.0f;
-    if (AAX_IController* controller = mEffectParameters.Controller())
-        controller->GetSampleRate(&rate);
-    if (rate > 0.0f)
-        Configure(static_cast<double>(rate));
+    Configure(HostSampleRate(mSampleRate));
 }
 
 void CFakeHostVST2::ApplyPendingSettings()

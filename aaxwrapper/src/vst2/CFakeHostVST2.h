@@ -75,7 +75,6 @@ private:
     void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames);
     void RefreshTimeInfoStandard(S_Alg_Context* context, int32_t start);
     void PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
-    void WriteSilence(S_Alg_Context* context);
     VstIntPtr ForwardOutputEvents(void* ptr);
     VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
 

@@ -7,6 +7,7 @@
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
+#include "fakehost/OutputSilence.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
 
@@ -113,23 +114,13 @@ void CFakeHostVST2::PushInputEvents(S_Alg_Context* context)
     }
 }
 
-void CFakeHostVST2::WriteSilence(S_Alg_Context* context)
-{
-    const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
-    if (context->mOutputs == nullptr || frames <= 0)
-        return;
-    for (int c = 0; c < kHostOutputChannels; ++c)
-        if (context->mOutputs[c] != nullptr)
-            std::memset(context->mOutputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
-}
-
 // STANDARD: the rate is never changed from here (the main thread does it, see
 // ApplyPendingSettings); buffers longer than the announced block size go to
 // the effect in slices.
 void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
 {
     if (!mGate.TryEnter()) {
-        WriteSilence(context);
+        SilenceAllOutputs(*context);
         return;
     }
     Morvane::CProcessGateLeave leave(mGate);  // also when the plug-in throws
@@ -143,7 +134,7 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
     const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
     if (!channelsFit || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
         if (!channelsFit)
-            WriteSilence(context);
+            SilenceAllOutputs(*context);
     } else if (frames <= kStandardMaxBlock) {
         ProcessSlice(context, 0, frames);
     } else {

@@ -225,10 +225,7 @@ void CFakeHostVST3::Setup()
         mVst3Loader->setupProcessing();
         return;
     }
-    AAX_CSampleRate rate = 44100.0f;
-    if (AAX_IController* controller = mEffectParameters.Controller())
-        controller->GetSampleRate(&rate);
-    mVst3Loader->activate(rate > 0.0f ? static_cast<double>(rate) : 44100.0);
+    mVst3Loader->activate(HostSampleRate(44100.0));
 }
 
 void CFakeHostVST3::ApplyPendingSettings()

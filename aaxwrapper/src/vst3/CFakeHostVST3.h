@@ -76,7 +76,6 @@ private:
     void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
     void FillProcessContext(S_Alg_Context* context, int32_t start);
     void ForwardOutputEvents(S_Alg_Context* context, int32_t start);
-    void WriteSilence(S_Alg_Context* context);
 
     std::unique_ptr<Morvane::SharedObject> mModule;
     Steinberg::IPluginFactory* mFactory = nullptr;

@@ -10,6 +10,7 @@
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
+#include "fakehost/OutputSilence.h"
 #include "logger/CLog.h"
 #include "vst3/CVST3Loader.h"
 
@@ -28,18 +29,10 @@ void CFakeHostVST3::Process(S_Alg_Context* context)
     CVST3Loader& loader = *mVst3Loader;
     const bool standard = IsStandard();
     if (standard && !loader.gate().TryEnter()) {
-        WriteSilence(context);
+        SilenceAllOutputs(*context);
         return;
     }
-    // Left on every way out, also when the plug-in throws.
-    struct SLeave {
-        Morvane::CProcessGate* gate;
-        ~SLeave()
-        {
-            if (gate)
-                gate->Leave();
-        }
-    } leave{standard ? &loader.gate() : nullptr};
+    Morvane::CProcessGateLeave leave(standard ? &loader.gate() : nullptr);  // also when the plug-in throws
     if (standard && context->mSampleRate) {
         const double rate = static_cast<double>(*context->mSampleRate);
         if (rate > 0.0 && rate != loader.getSampleRate())
@@ -114,16 +107,6 @@ void CFakeHostVST3::FillProcessContext(S_Alg_Context* context, int32_t start)
     bool playing = false;
     if (transport->IsTransportPlaying(&playing) == AAX_SUCCESS && playing)
         pc->state |= ProcessContext::kPlaying;
-}
-
-void CFakeHostVST3::WriteSilence(S_Alg_Context* context)
-{
-    const int32_t frames = context->mBufferLength ? *context->mBufferLength : 0;
-    if (!context->mOutputs || frames <= 0)
-        return;
-    for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
-        if (context->mOutputs[c])
-            std::memset(context->mOutputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
 }
 
 // STANDARD: notes the processor sends out become AAX MIDI output packets.
