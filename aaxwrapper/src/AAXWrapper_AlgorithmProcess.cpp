@@ -6,6 +6,7 @@
 
 #include "AAXWrapper_Parameters.h"
 #include "CException.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "fakehost/IFakeHost.h"
 
@@ -56,6 +57,7 @@ void Silence(const S_Alg_Context& context, size_t bytes)
 
 void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[], const void* inInstancesEnd)
 {
+    MV_REAL_TIME("AAXWrapper_AlgorithmProcessFunction");
     S_Alg_Context* const* const end = static_cast<S_Alg_Context* const*>(inInstancesEnd);
     try {
         for (S_Alg_Context* const* instance = inInstancesBegin; instance < end; ++instance) {

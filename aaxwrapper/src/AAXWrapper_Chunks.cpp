@@ -79,7 +79,10 @@ AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChun
     }
     // fSize is a signed 32-bit field; the host writes an unsigned count into it.
     unsigned int size = capacity;
-    CallFakeHost("GetChunk", [&] { mFakeHost->GetState(&size, oChunk->fData); });
+    CallFakeHost("GetChunk", [&] {
+        if (!mFakeHost->GetState(&size, oChunk->fData))
+            MV_LOG("parameters", kLogWarning, "GetChunk", " the plug-in gave no state, an empty one is saved");
+    });
     oChunk->fSize = static_cast<int32_t>(size);
     MV_LOG("parameters", kLogInfo, "GetChunk", " OUT ", iChunkID, " size = ", oChunk->fSize);
     return AAX_SUCCESS;
@@ -109,8 +112,11 @@ AAX_Result AAXWrapper_Parameters::SetChunk(AAX_CTypeID iChunkID, const AAX_SPlug
             // the plug-in: wait for them (the audio thread never waits).
             Morvane::CProcessGateClosed closed(mProcessGate);
             CallFakeHost("SetChunk", [&] {
-                mFakeHost->SetState(static_cast<unsigned int>(iChunk->fSize), const_cast<char*>(iChunk->fData));
-                ReadParametersFromPlugin();
+                // A refused block leaves the plug-in, and so its parameters, as they were.
+                if (mFakeHost->SetState(static_cast<unsigned int>(iChunk->fSize), const_cast<char*>(iChunk->fData)))
+                    ReadParametersFromPlugin();
+                else
+                    MV_LOG("parameters", kLogError, "SetChunk", " the plug-in's state was refused, nothing restored");
             });
             MV_LOG("parameters", kLogInfo, "SetChunk", " OUT ", iChunkID, " size = ", iChunk->fSize);
         }

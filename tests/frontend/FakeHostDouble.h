@@ -68,18 +68,20 @@ public:
     void CreateGUI(AAX_IViewContainer*) override {}
     void GetViewSize(float& outWidth, float& outHeight) override { outWidth = outHeight = 100.0f; }
     int32_t TimerWakeup() override { return 0; }
-    void GetState(unsigned int* outSize, void* outpData) override
+    bool GetState(unsigned int* outSize, void* outpData) override
     {
         Log(outpData == nullptr ? "GetState size" : "GetState data");
         *outSize = static_cast<unsigned int>(mScript->state.size());
         if (outpData != nullptr)
             std::copy(mScript->state.begin(), mScript->state.end(), static_cast<char*>(outpData));
+        return true;
     }
-    void SetState(unsigned int inSize, void* inpData) override
+    bool SetState(unsigned int inSize, void* inpData) override
     {
         Log("SetState " + std::to_string(inSize));
         const char* bytes = static_cast<const char*>(inpData);
         mScript->state.assign(bytes, bytes + inSize);
+        return true;
     }
 
 private:

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ThreadRole.h"
 #include "Vst2TestSupport.h"
 
 using namespace Vst2Test;
@@ -284,3 +285,30 @@ TEST(FakeHostVST2SelfChecks, RunOnlyWithTheBundleCategoryAtDebug)
     }
     EXPECT_TRUE(record.LinesStartingWith("process").empty());
 }
+
+#if MORVANE_THREAD_CHECKS
+// A main-thread operation reached from inside the audio callback stops the
+// process with both places named; a call the design puts on the audio thread
+// does not.
+TEST_F(ProbeHost, MainThreadCallsFromTheAudioThreadAreStopped)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            MV_REAL_TIME("the audio callback");
+            unsigned int size = 0;
+            Host().GetState(&size, nullptr);
+        },
+        "thread-role violation: main-thread call \"CFakeHostVST2::GetState\" made inside \"the audio callback\"");
+    EXPECT_DEATH(
+        {
+            MV_MAIN_THREAD("a state restore");
+            Host().Process(nullptr);
+        },
+        "thread-role violation: real-time call \"CFakeHostVST2::Process\" made inside \"a state restore\"");
+    MV_REAL_TIME("the audio callback");
+    MV_AUDIO_THREAD_BY_DESIGN("automation from the plug-in's process call");
+    Host().AddInputChangeForProcessing(0, 0.25);
+    EXPECT_EQ(record.LinesStartingWith("setParameter 0 0.25").size(), 1u);
+}
+#endif

@@ -11,10 +11,10 @@ namespace {
 std::vector<unsigned char> SaveState(CFakeHostVST3& host)
 {
     unsigned int size = 0;
-    host.GetState(&size, nullptr);
+    EXPECT_TRUE(host.GetState(&size, nullptr));
     std::vector<unsigned char> block(size, 0xEE);
-    unsigned int size2 = 0;
-    host.GetState(&size2, block.data());
+    unsigned int size2 = size;
+    EXPECT_TRUE(host.GetState(&size2, block.data()));
     EXPECT_EQ(size, size2);
     return block;
 }
@@ -38,10 +38,10 @@ TEST(Vst3State, CombinedObjectWritesBothHalves)
     EXPECT_EQ(block.size(), 76u);
 }
 
-// Registered in CTest as vst3.state_cut_every_length.
-TEST(Vst3StateBadInput, CutEveryLength)
+// The end-to-end suite covers lying length fields; here every cut, where a
+// sanitizer catches any read past the block.
+TEST(Vst3StateBadInput, CutEveryLengthIsRefusedAndTheWholeBlockStillWorks)
 {
-    CLogCapture log;
     CHostedPlugin source("MrvTestSynth");
     auto block = SaveState(*source.mHost);
     const size_t used = 8 + ReadU32(block, 0) + ReadU32(block, 4 + ReadU32(block, 0));
@@ -50,35 +50,10 @@ TEST(Vst3StateBadInput, CutEveryLength)
         // A fresh copy of exactly `cut` bytes, so a read past it is caught
         // by the sanitizers.
         std::vector<unsigned char> piece(block.begin(), block.begin() + static_cast<long>(cut));
-        source.mHost->SetState(static_cast<unsigned int>(cut), piece.empty() ? nullptr : piece.data());
+        EXPECT_FALSE(source.mHost->SetState(static_cast<unsigned int>(cut), piece.empty() ? nullptr : piece.data()))
+            << cut;
     }
     EXPECT_EQ(trace.LinesStartingWith("proc.setState").size(), 0u);
-    EXPECT_EQ(log.Count("SetState refused"), used);
-    // The whole block still works afterwards.
-    source.mHost->SetState(static_cast<unsigned int>(used), block.data());
+    EXPECT_TRUE(source.mHost->SetState(static_cast<unsigned int>(used), block.data()));
     EXPECT_EQ(trace.LinesStartingWith("proc.setState volume=").size(), 1u);
-}
-
-TEST(Vst3StateBadInput, LengthFieldsPastTheEnd)
-{
-    CLogCapture log;
-    CTrace trace;
-    CHostedPlugin plugin("MrvTestSynth");
-    auto block = SaveState(*plugin.mHost);
-    const uint32_t componentSize = ReadU32(block, 0);
-    // 0xFFFFFFFF wraps a 32-bit "offset + size" check.
-    const uint32_t sizes[] = {0xFFFFFFFFu, 0x7FFFFFFFu, static_cast<uint32_t>(block.size())};
-    for (uint32_t lie : sizes) {
-        for (size_t at : {size_t{0}, size_t{4} + componentSize}) {
-            auto bad = block;
-            std::memcpy(bad.data() + at, &lie, 4);
-            plugin.mHost->SetState(static_cast<unsigned int>(bad.size()), bad.data());
-        }
-    }
-    EXPECT_EQ(trace.LinesStartingWith("proc.setState").size(), 0u);
-    EXPECT_GE(log.Count("SetState refused"), 6u);
-    // A truthful but short inner state reaches the plug-in, which refuses it.
-    std::vector<unsigned char> small = {2, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
-    plugin.mHost->SetState(static_cast<unsigned int>(small.size()), small.data());
-    EXPECT_EQ(trace.LinesStartingWith("proc.setState refused").size(), 1u);
 }

@@ -45,8 +45,12 @@ public:
     virtual bool GetParameterValue(int /*index*/, double& /*outValue*/) { return false; }
     virtual void AddInputChangeForProcessing(int index, double value) = 0;
     virtual void AddInputChangeForGUI(int index, double value) = 0;
-    virtual void GetState(unsigned int* outSize, void* outpData) = 0;
-    virtual void SetState(unsigned int inSize, void* inpData) = 0;
+    // The plug-in's state: with outpData null only its size, else the state
+    // itself into a block of *outSize bytes. False when the plug-in gave none
+    // (the size is then still one the front end may publish).
+    virtual bool GetState(unsigned int* outSize, void* outpData) = 0;
+    // False when the block was refused and the plug-in was left as it was.
+    virtual bool SetState(unsigned int inSize, void* inpData) = 0;
     // Periodic: applies a sample-rate change that processing has seen.
     virtual void ApplyPendingSettings() {}
 

@@ -9,6 +9,7 @@
 #include "AAX_IController.h"
 #include "S_Alg_Context.h"
 #include "fakehost/FakeHostFactory.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/VendorVersion.h"
 
@@ -80,6 +81,7 @@ VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr val
 
 bool CFakeHostVST2::Init()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::Init");
     if (IsStandard() && effect == nullptr && mEntry) {
         mSampleRate = HostSampleRate(mSampleRate);
         CreateEffect(mEntry);
@@ -105,8 +107,8 @@ bool CFakeHostVST2::Init()
         loader.displayPluginsInfo(effect);
     }
 
-    channelsFit = effect->numInputs <= kHostInputChannels && effect->numOutputs <= kHostOutputChannels;
-    if (!channelsFit)
+    mChannelsFit = effect->numInputs <= kHostInputChannels && effect->numOutputs <= kHostOutputChannels;
+    if (!mChannelsFit)
         MV_LOG("fakehost", kLogError, "VST2 - the plug-in has ", effect->numInputs, " inputs and ",
                effect->numOutputs, " outputs, more than the ", kHostInputChannels, " and ", kHostOutputChannels,
                " the host provides: it will output silence");
@@ -126,6 +128,7 @@ bool CFakeHostVST2::Init()
 
 void CFakeHostVST2::Setup()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::Setup");
     if (!IsStandard() || effect == nullptr)
         return;
     Configure(HostSampleRate(mSampleRate));
@@ -133,6 +136,7 @@ void CFakeHostVST2::Setup()
 
 void CFakeHostVST2::ApplyPendingSettings()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::ApplyPendingSettings");
     const double rate = mPendingRate.exchange(0.0);
     if (IsStandard() && effect != nullptr && rate > 0.0)
         Configure(rate);
@@ -154,6 +158,7 @@ void CFakeHostVST2::Configure(double sampleRate)
 
 void CFakeHostVST2::Quit()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::Quit");
     delete midiEvent;
     midiEvent = nullptr;
     if (effect == nullptr)
@@ -192,11 +197,13 @@ int32_t CFakeHostVST2::GetPluginProductUniqueID()
 
 int CFakeHostVST2::GetParameterCount()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::GetParameterCount");
     return effect != nullptr ? effect->numParams : -1;
 }
 
 bool CFakeHostVST2::GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::GetParameterInfo");
     if (effect == nullptr)
         return false;
     const int inID = inParamIndex;
@@ -221,6 +228,7 @@ bool CFakeHostVST2::GetParameterValue(int index, double& outValue)
 
 void CFakeHostVST2::AddInputChangeForProcessing(int index, double value)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::AddInputChangeForProcessing");
     MV_LOG("process", kLogDebug, "VST2> AddInputChangeForProcessing... ", index, " ", value);
     if (effect == nullptr || effect->setParameter == nullptr)
         return;
@@ -229,21 +237,25 @@ void CFakeHostVST2::AddInputChangeForProcessing(int index, double value)
 
 void CFakeHostVST2::AddInputChangeForGUI(int, double) {}
 
-void CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
+bool CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::GetState");
     if (effect == nullptr || outSize == nullptr)
-        return;
+        return false;
     void* chunk = nullptr;
     VstIntPtr size = Dispatch(effGetChunk, 0, 0, &chunk);
+    bool gave = true;
     if (chunk == nullptr || size < 0) {
         MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the plug-in gave no chunk");
         size = 0;
+        gave = false;
     }
     // AAX chunk sizes are 32-bit signed; a larger state cannot be saved.
     if (size > static_cast<VstIntPtr>(INT32_MAX - kStateMargin)) {
         MV_LOG("fakehost", kLogError, "VST2 - GetState: chunk of ", static_cast<long long>(size),
                " bytes is too large to save");
         size = 0;
+        gave = false;
     }
     *outSize = static_cast<unsigned int>(size) + kStateMargin;
     if (outpData != nullptr) {
@@ -254,18 +266,21 @@ void CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
         // text find a terminator.
         std::memset(static_cast<char*>(outpData) + size, 0, kStateMargin);
     }
+    return gave;
 }
 
-void CFakeHostVST2::SetState(unsigned int inSize, void* inpData)
+bool CFakeHostVST2::SetState(unsigned int inSize, void* inpData)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::SetState");
     if (effect == nullptr)
-        return;
+        return false;
     // A size that does not even cover the margin cannot come from GetState;
     // passing it on would hand the plug-in a negative length.
     if (inpData == nullptr || inSize <= kStateMargin) {
         MV_LOG("fakehost", kLogError, "VST2 - SetState refused: size ", inSize, " does not exceed the margin of ",
                kStateMargin, " bytes");
-        return;
+        return false;
     }
     Dispatch(effSetChunk, 0, static_cast<VstIntPtr>(inSize - kStateMargin), inpData);
+    return true;
 }

@@ -51,8 +51,8 @@ public:
     void CreateGUI(AAX_IViewContainer* container) override;
     void GetViewSize(float& outWidth, float& outHeight) override;
     int32_t TimerWakeup() override;
-    void GetState(unsigned int* outSize, void* outpData) override;
-    void SetState(unsigned int inSize, void* inpData) override;
+    bool GetState(unsigned int* outSize, void* outpData) override;
+    bool SetState(unsigned int inSize, void* inpData) override;
 
     // The callback handed to the effect's entry function.
     static VstIntPtr staticHostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index,
@@ -88,7 +88,7 @@ private:
     S_Alg_Context* currentContext = nullptr;
     // False when the effect declares more channels than the host's context
     // carries; it is then not processed rather than let run past the arrays.
-    bool channelsFit = true;
+    bool mChannelsFit = true;
 
     void CreateEffect(const CVST2PluginLoader::EntryFunction& entry);
 

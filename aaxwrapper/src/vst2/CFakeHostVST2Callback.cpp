@@ -8,6 +8,7 @@
 #include "AAX_IMIDINode.h"
 #include "AAX_IViewContainer.h"
 #include "S_Alg_Context.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
 
@@ -54,6 +55,9 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
         char parameterID[32];
         std::snprintf(parameterID, sizeof(parameterID), "%d", index);
         MV_LOG("fakehost", kLogDebug, "Plugin asked us to automate parameter ", index, " ", opt);
+        // VST 2 lets a plug-in automate from inside its process call, and the
+        // classic host forwards the value at once, whichever thread it is on.
+        MV_AUDIO_THREAD_BY_DESIGN("a VST 2 plug-in may automate from its process call");
         mEffectParameters.SetParameterNormalizedValue(parameterID, static_cast<double>(opt));
         return 0;
     }

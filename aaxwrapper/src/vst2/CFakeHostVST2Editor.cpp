@@ -1,6 +1,7 @@
 // Editor hosting of the VST 2 fake host: the effect's editor lives in the
 // native view the AAX view container provides.
 #include "AAX_IViewContainer.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
 
@@ -10,6 +11,7 @@ char gCockosViewQuery[] = "hasCockosViewAsConfig";
 
 void CFakeHostVST2::CreateGUI(AAX_IViewContainer* container)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::CreateGUI");
     needsResize = true;
     viewContainer = container;
     if (effect == nullptr || container == nullptr)
@@ -22,6 +24,7 @@ void CFakeHostVST2::CreateGUI(AAX_IViewContainer* container)
 
 void CFakeHostVST2::QuitGUI()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::QuitGUI");
     if (effect != nullptr) {
         MV_LOG_AT("gui", kLogInfo, "QuitGUI", "HOST> Close editor...");
         Dispatch(effEditClose);
@@ -32,6 +35,7 @@ void CFakeHostVST2::QuitGUI()
 
 void CFakeHostVST2::GetViewSize(float& outWidth, float& outHeight)
 {
+    MV_MAIN_THREAD("CFakeHostVST2::GetViewSize");
     if (effect == nullptr)
         return;
     MV_LOG_AT("gui", kLogInfo, "GetViewSize", "Ask Get View Size...");
@@ -52,6 +56,7 @@ void CFakeHostVST2::GetViewSize(float& outWidth, float& outHeight)
 
 int32_t CFakeHostVST2::TimerWakeup()
 {
+    MV_MAIN_THREAD("CFakeHostVST2::TimerWakeup");
     if (effect == nullptr)
         return 0;
     Dispatch(effEditIdle);

@@ -8,6 +8,7 @@
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
 #include "fakehost/OutputSilence.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
 
@@ -18,6 +19,7 @@ constexpr double kVelocityScale = 0.007874016;
 
 void CFakeHostVST2::Process(S_Alg_Context* context)
 {
+    MV_REAL_TIME("CFakeHostVST2::Process");
     if (effect == nullptr || context == nullptr)
         return;
     if (IsStandard()) {
@@ -30,7 +32,7 @@ void CFakeHostVST2::Process(S_Alg_Context* context)
     PushInputEvents(context);
     if (effect->processReplacing == nullptr || context->mBufferLength == nullptr || context->mOutputs == nullptr)
         return;
-    if (!channelsFit) {
+    if (!mChannelsFit) {
         const int32_t frames = *context->mBufferLength;
         for (int c = 0; c < kHostOutputChannels && frames > 0; ++c)
             if (context->mOutputs[c] != nullptr)
@@ -132,8 +134,8 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
             mPendingRate.store(rate);
     }
     const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
-    if (!channelsFit || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
-        if (!channelsFit)
+    if (!mChannelsFit || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
+        if (!mChannelsFit)
             SilenceAllOutputs(*context);
     } else if (frames <= kStandardMaxBlock) {
         ProcessSlice(context, 0, frames);

@@ -8,6 +8,7 @@
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
 #include "fakehost/FakeHostFactory.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "sharedobject/SharedObject.h"
 #include "vst3/CPlugFrame.h"
@@ -152,6 +153,7 @@ CFakeHostVST3::~CFakeHostVST3()
 
 bool CFakeHostVST3::Init()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::Init");
     if (mFactory && !mVst3Loader) {
         // The loader gives back one factory reference once it is built: the
         // one taken at construction, or a new one for a later loader.
@@ -219,6 +221,7 @@ uint32_t CFakeHostVST3::GetParameterTag(int index)
 
 void CFakeHostVST3::Setup()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::Setup");
     if (!mVst3Loader)
         return;
     if (!IsStandard()) {
@@ -230,6 +233,7 @@ void CFakeHostVST3::Setup()
 
 void CFakeHostVST3::ApplyPendingSettings()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::ApplyPendingSettings");
     const double rate = mPendingRate.exchange(0.0);
     if (IsStandard() && mVst3Loader && rate > 0.0)
         mVst3Loader->activate(rate);
@@ -237,6 +241,7 @@ void CFakeHostVST3::ApplyPendingSettings()
 
 void CFakeHostVST3::Quit()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::Quit");
     MV_LOG("fakehost", kLogInfo, "Quit");
     QuitGUI();
     delete mVst3Loader;
@@ -262,6 +267,7 @@ std::string CFakeHostVST3::GetPluginVersion()
 
 int CFakeHostVST3::GetParameterCount()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::GetParameterCount");
     if (!mVst3Loader || !mVst3Loader->getController())
         return -1;
     auto lock = mVst3Loader->lockControllerAccess();
@@ -270,6 +276,7 @@ int CFakeHostVST3::GetParameterCount()
 
 bool CFakeHostVST3::GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::GetParameterInfo");
     if (!mVst3Loader || !mVst3Loader->getController())
         return false;
     ParameterInfo info{};
@@ -294,6 +301,7 @@ bool CFakeHostVST3::GetParameterInfo(int inParamIndex, std::string& outName, flo
 
 void CFakeHostVST3::AddInputChangeForProcessing(int index, double value)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::AddInputChangeForProcessing");
     if (!mVst3Loader || index < 0)
         return;
     mVst3Loader->addParameterChange(ParamIdOf(index), value, 0);
@@ -301,6 +309,7 @@ void CFakeHostVST3::AddInputChangeForProcessing(int index, double value)
 
 void CFakeHostVST3::AddInputChangeForGUI(int index, double value)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::AddInputChangeForGUI");
     if (!mVst3Loader || !mVst3Loader->getController() || index < 0)
         return;
     auto lock = mVst3Loader->lockControllerAccess();

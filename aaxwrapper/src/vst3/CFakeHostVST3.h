@@ -54,8 +54,8 @@ public:
     void QuitGUI() override;
     void CreateGUI(AAX_IViewContainer* container) override;
     void GetViewSize(float& outWidth, float& outHeight) override;
-    void GetState(unsigned int* outSize, void* outpData) override;
-    void SetState(unsigned int inSize, void* inpData) override;
+    bool GetState(unsigned int* outSize, void* outpData) override;
+    bool SetState(unsigned int inSize, void* inpData) override;
 
     // Real-time thread: the buffer's MIDI packets become events and changes.
     void PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
@@ -76,6 +76,16 @@ private:
     void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
     void FillProcessContext(S_Alg_Context* context, int32_t start);
     void ForwardOutputEvents(S_Alg_Context* context, int32_t start);
+    // A MIDI message that drives a parameter (controller, program change,
+    // after-touch, pitch bend), as the parameter and its normalised value.
+    struct SMidiValue {
+        Steinberg::int32 parameter = -1;
+        double value = 0.0;
+        bool logPoint = false;
+    };
+    bool MidiParameterValue(const AAX_CMidiPacket& packet, SMidiValue& out);
+    bool ProgramChangeValue(int channel, uint8_t program, SMidiValue& out);
+    void SendMidiValue(const SMidiValue& point, uint32_t timestamp, Morvane::vst3::ParameterChanges& changes);
 
     std::unique_ptr<Morvane::SharedObject> mModule;
     Steinberg::IPluginFactory* mFactory = nullptr;

@@ -2,6 +2,7 @@
 #include "vst3/CFakeHostVST3.h"
 
 #include "AAX_IViewContainer.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst3/CPlugFrame.h"
 #include "vst3/CVST3Loader.h"
@@ -11,6 +12,7 @@ using namespace Steinberg::Vst;
 
 void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::CreateGUI");
     if (!container)
         return;
     FIDString platformType = nullptr;
@@ -62,6 +64,7 @@ void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
 
 void CFakeHostVST3::QuitGUI()
 {
+    MV_MAIN_THREAD("CFakeHostVST3::QuitGUI");
     if (!mView)
         return;
     IPlugView* view = mView;
@@ -77,6 +80,7 @@ void CFakeHostVST3::QuitGUI()
 
 void CFakeHostVST3::GetViewSize(float& outWidth, float& outHeight)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::GetViewSize");
     if (!mView)
         return;
     ViewRect rect(0, 0, 0, 0);

@@ -11,6 +11,7 @@
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
 #include "fakehost/OutputSilence.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst3/CVST3Loader.h"
 
@@ -24,6 +25,7 @@ constexpr double kOneOver16383 = 1.0 / 16383.0;
 
 void CFakeHostVST3::Process(S_Alg_Context* context)
 {
+    MV_REAL_TIME("CFakeHostVST3::Process");
     if (!mVst3Loader || !context)
         return;
     CVST3Loader& loader = *mVst3Loader;
@@ -157,153 +159,173 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
     PushSliceEvents(*stream, 0, INT32_MAX, true, events, changes);
 }
 
+namespace {
+
+// The VST 3 event of a note-on, note-off or poly-pressure message, at the
+// packet's (already rebased) time stamp; false for every other message.
+bool NoteEventOf(const AAX_CMidiPacket& packet, Event& event)
+{
+    const uint8_t status = packet.mData[0] & 0xF0;
+    const int16 channel = static_cast<int16>(packet.mData[0] & 0x0F);
+    const uint8_t data1 = packet.mData[1];
+    const uint8_t data2 = packet.mData[2];
+    event = Event{};
+    event.busIndex = 0;
+    event.sampleOffset = static_cast<int32>(packet.mTimestamp);
+    event.ppqPosition = 0;
+    event.flags = packet.mIsImmediate ? Event::kIsLive : 0;
+    switch (status) {
+    case 0x90:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOn - pitch:", static_cast<int>(data1));
+        event.type = Event::kNoteOnEvent;
+        event.noteOn.channel = channel;
+        event.noteOn.pitch = data1;
+        event.noteOn.tuning = 0.0f;
+        event.noteOn.velocity = data2 * kOneOver127;
+        event.noteOn.length = 0;
+        event.noteOn.noteId = -1;
+        return true;
+    case 0x80:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOff - pitch:", static_cast<int>(data1));
+        event.type = Event::kNoteOffEvent;
+        event.noteOff.channel = channel;
+        event.noteOff.pitch = data1;
+        event.noteOff.velocity = data2 * kOneOver127;
+        event.noteOff.noteId = -1;
+        event.noteOff.tuning = 0.0f;
+        return true;
+    case 0xA0:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPolyPressure");
+        event.type = Event::kPolyPressureEvent;
+        event.polyPressure.channel = channel;
+        event.polyPressure.pitch = data1 & 0x7F;
+        event.polyPressure.pressure = (data2 & 0x7F) * kOneOver127;
+        event.polyPressure.noteId = -1;
+        return true;
+    default:
+        return false;
+    }
+}
+
+}  // namespace
+
 void CFakeHostVST3::PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
                                     Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes)
 {
     if (!stream.mBuffer || stream.mBufferSize == 0 || !mVst3Loader)
         return;
-    CVST3Loader& loader = *mVst3Loader;
-    IEditController* controller = loader.getController();
-    const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
-    const bool standard = IsStandard();
-
-    // Adds one point to this block's input changes, then mirrors the value to
-    // the controller so that its editor follows: at once from this thread as
-    // CLASSIC has always done, or STANDARD through the queue the timer drains
-    // on the main thread. Only controller messages report the point.
-    auto sendValue = [&](int32 parameter, double value, uint32_t timestamp, bool logPoint) {
-        int32 queueIndex = 0;
-        if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(parameter), queueIndex)) {
-            if (logPoint)
-                MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
-                       " - value ", value, " timestamp ", timestamp);
-            int32 pointIndex = 0;
-            queue->addPoint(static_cast<int32>(timestamp), value, pointIndex);
-        }
-        if (standard)
-            loader.queueForController(static_cast<ParamID>(parameter), value);
-        else if (controller)
-            controller->setParamNormalized(static_cast<ParamID>(parameter), value);  // audio thread, as specified
-    };
-
     for (uint32_t i = 0; i < stream.mBufferSize; ++i) {
         AAX_CMidiPacket packet = stream.mBuffer[i];
         const int64_t offset = static_cast<int64_t>(packet.mTimestamp) - start;
         if (offset < 0 || (offset >= frames && !lastSlice))
             continue;
         packet.mTimestamp = static_cast<uint32_t>(offset);
-        const uint8_t statusByte = packet.mData[0];
-        const uint8_t status = statusByte & 0xF0;
-        const int16 channel = static_cast<int16>(statusByte & 0x0F);
-        const uint8_t data1 = packet.mData[1];
-        const uint8_t data2 = packet.mData[2];
-
         Event event{};
-        event.busIndex = 0;
-        event.sampleOffset = static_cast<int32>(packet.mTimestamp);
-        event.ppqPosition = 0;
-        event.flags = packet.mIsImmediate ? Event::kIsLive : 0;
-
-        switch (status) {
-        case 0x90:
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOn - pitch:", static_cast<int>(data1));
-            event.type = Event::kNoteOnEvent;
-            event.noteOn.channel = channel;
-            event.noteOn.pitch = data1;
-            event.noteOn.tuning = 0.0f;
-            event.noteOn.velocity = data2 * kOneOver127;
-            event.noteOn.length = 0;
-            event.noteOn.noteId = -1;
+        if (NoteEventOf(packet, event)) {
             // Without an event input bus there is nowhere to put notes.
             if (events)
                 events->addEvent(event);
-            break;
-        case 0x80:
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOff - pitch:", static_cast<int>(data1));
-            event.type = Event::kNoteOffEvent;
-            event.noteOff.channel = channel;
-            event.noteOff.pitch = data1;
-            event.noteOff.velocity = data2 * kOneOver127;
-            event.noteOff.noteId = -1;
-            event.noteOff.tuning = 0.0f;
-            if (events)
-                events->addEvent(event);
-            break;
-        case 0xA0:
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPolyPressure");
-            event.type = Event::kPolyPressureEvent;
-            event.polyPressure.channel = channel;
-            event.polyPressure.pitch = data1 & 0x7F;
-            event.polyPressure.pressure = (data2 & 0x7F) * kOneOver127;
-            event.polyPressure.noteId = -1;
-            if (events)
-                events->addEvent(event);
-            break;
-        case 0xB0: {
-            if (!table) {
-                MV_LOG("midi", kLogError, "CHandleMidi::PushInputMidiEvents Input Controller Event - channel empty");
-                break;
-            }
-            // The data byte indexes the table unmasked; a corrupt byte above
-            // the table is treated like an unmapped controller.
-            const int32 parameter =
-                data1 < CVST3Loader::kMidiControllerEntries ? (*table)[static_cast<size_t>(channel)][data1] : -1;
-            if (parameter == -1) {
-                MV_LOG("midi", kLogWarning, "CHandleMidi::PushInputMidiEvents Param not define");
-                break;
-            }
-            sendValue(parameter, data2 * static_cast<double>(kOneOver127), packet.mTimestamp, true);
-            break;
+            continue;
         }
-        case 0xC0: {
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kProgramChangeStatus");
-            const int32 parameter = loader.getProgramChangeParameter(channel);
-            if (parameter == -1 || !controller)
-                break;
-            if (standard) {
-                // Steps read at set-up: the controller is not asked from here.
-                const int32 steps = loader.getProgramChangeSteps(channel);
-                if (steps >= 1 && data1 <= steps)
-                    sendValue(parameter, static_cast<double>(data1) / static_cast<double>(steps), packet.mTimestamp,
-                              false);
-                break;
-            }
-            ParameterInfo info{};
-            // The identifier is used as an index, so keep it in range.
-            if (parameter >= controller->getParameterCount() ||
-                controller->getParameterInfo(parameter, info) != kResultOk || info.stepCount < 1 ||
-                data1 > info.stepCount)
-                break;
-            const double value = static_cast<double>(data1) / static_cast<double>(info.stepCount);
-            // Straight into this block's input changes rather than through the
-            // main thread's transfer queues, whose single writer is the main
-            // thread: the processor sees the same point in the same block.
-            sendValue(parameter, value, packet.mTimestamp, false);
-            break;
+        SMidiValue point;
+        if (MidiParameterValue(packet, point))
+            SendMidiValue(point, packet.mTimestamp, changes);
+    }
+}
+
+bool CFakeHostVST3::MidiParameterValue(const AAX_CMidiPacket& packet, SMidiValue& out)
+{
+    CVST3Loader& loader = *mVst3Loader;
+    const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
+    const uint8_t status = packet.mData[0] & 0xF0;
+    const int16 channel = static_cast<int16>(packet.mData[0] & 0x0F);
+    const uint8_t data1 = packet.mData[1];
+    const uint8_t data2 = packet.mData[2];
+    out = SMidiValue();
+    switch (status) {
+    case 0xB0:
+        if (!table) {
+            MV_LOG("midi", kLogError, "CHandleMidi::PushInputMidiEvents Input Controller Event - channel empty");
+            return false;
         }
-        case 0xD0: {
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kAfterTouchStatus");
-            if (!table)
-                break;
-            const int32 parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kAfterTouchEntry];
-            if (parameter == -1)
-                break;
-            sendValue(parameter, (data1 & 0x7F) * static_cast<double>(kOneOver127), packet.mTimestamp, false);
-            break;
+        // The data byte indexes the table unmasked; a corrupt byte above
+        // the table is treated like an unmapped controller.
+        out.parameter =
+            data1 < CVST3Loader::kMidiControllerEntries ? (*table)[static_cast<size_t>(channel)][data1] : -1;
+        if (out.parameter == -1) {
+            MV_LOG("midi", kLogWarning, "CHandleMidi::PushInputMidiEvents Param not define");
+            return false;
         }
-        case 0xE0: {
-            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPitchBendStatus");
-            if (!table)
-                break;
-            const int32 parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kPitchBendEntry];
-            if (parameter == -1)
-                break;
-            const double value = ((data2 & 0x7F) * 128 + (data1 & 0x7F)) * kOneOver16383;
-            sendValue(parameter, value, packet.mTimestamp, false);
-            break;
-        }
-        default:
-            break;
-        }
+        out.value = data2 * static_cast<double>(kOneOver127);
+        out.logPoint = true;  // only controller messages report their point
+        return true;
+    case 0xC0:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kProgramChangeStatus");
+        return ProgramChangeValue(channel, data1, out);
+    case 0xD0:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kAfterTouchStatus");
+        if (!table)
+            return false;
+        out.parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kAfterTouchEntry];
+        out.value = (data1 & 0x7F) * static_cast<double>(kOneOver127);
+        return out.parameter != -1;
+    case 0xE0:
+        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPitchBendStatus");
+        if (!table)
+            return false;
+        out.parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kPitchBendEntry];
+        out.value = ((data2 & 0x7F) * 128 + (data1 & 0x7F)) * kOneOver16383;
+        return out.parameter != -1;
+    default:
+        return false;
+    }
+}
+
+bool CFakeHostVST3::ProgramChangeValue(int channel, uint8_t program, SMidiValue& out)
+{
+    CVST3Loader& loader = *mVst3Loader;
+    IEditController* controller = loader.getController();
+    out.parameter = loader.getProgramChangeParameter(channel);
+    if (out.parameter == -1 || !controller)
+        return false;
+    int32 steps = 0;
+    if (IsStandard()) {
+        // Steps read at set-up: the controller is not asked from here.
+        steps = loader.getProgramChangeSteps(channel);
+    } else {
+        MV_AUDIO_THREAD_BY_DESIGN("CLASSIC reads the program list's step count from the audio thread");
+        ParameterInfo info{};
+        // The identifier is used as an index, so keep it in range.
+        if (out.parameter >= controller->getParameterCount() ||
+            controller->getParameterInfo(out.parameter, info) != kResultOk)
+            return false;
+        steps = info.stepCount;
+    }
+    if (steps < 1 || program > steps)
+        return false;
+    out.value = static_cast<double>(program) / static_cast<double>(steps);
+    return true;
+}
+
+void CFakeHostVST3::SendMidiValue(const SMidiValue& point, uint32_t timestamp, Morvane::vst3::ParameterChanges& changes)
+{
+    // Straight into this block's input changes rather than through the main
+    // thread's transfer queues, whose single writer is the main thread: the
+    // processor sees the point in the same block.
+    int32 queueIndex = 0;
+    if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(point.parameter), queueIndex)) {
+        if (point.logPoint)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
+                   " - value ", point.value, " timestamp ", timestamp);
+        int32 pointIndex = 0;
+        queue->addPoint(static_cast<int32>(timestamp), point.value, pointIndex);
+    }
+    // The controller's editor follows: STANDARD through the queue the timer
+    // drains on the main thread, CLASSIC at once from this thread.
+    if (IsStandard()) {
+        mVst3Loader->queueForController(static_cast<ParamID>(point.parameter), point.value);
+    } else if (IEditController* controller = mVst3Loader->getController()) {
+        MV_AUDIO_THREAD_BY_DESIGN("CLASSIC mirrors MIDI-driven values to the controller from the audio thread");
+        controller->setParamNormalized(static_cast<ParamID>(point.parameter), point.value);
     }
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "public.sdk/source/common/memorystream.h"
 #include "vst3/CVST3Loader.h"
@@ -25,15 +26,16 @@ uint32_t streamSize(MemoryStream& stream)
 }
 }  // namespace
 
-void CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
+bool CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::GetState");
     MV_LOG("fakehost", kLogDebug, "GetState ", outpData);
     IComponent* component = mVst3Loader ? mVst3Loader->getComponent() : nullptr;
     IEditController* controller = mVst3Loader ? mVst3Loader->getController() : nullptr;
     if (!component || !controller) {
         if (outSize)
             *outSize = kStateSizeSlack;
-        return;
+        return false;
     }
 
     MemoryStream componentStream;
@@ -58,15 +60,17 @@ void CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
     if (outSize)
         *outSize = componentSize + controllerSize + kStateSizeSlack;
     MV_LOG("fakehost", kLogDebug, "GetState ", "controller_size ", controllerSize, " component_size ", componentSize);
+    return true;
 }
 
-void CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
+bool CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
 {
+    MV_MAIN_THREAD("CFakeHostVST3::SetState");
     MV_LOG("fakehost", kLogDebug, "SetState ", "inSize ", inSize, " inpData ", inpData);
     IComponent* component = mVst3Loader ? mVst3Loader->getComponent() : nullptr;
     IEditController* controller = mVst3Loader ? mVst3Loader->getController() : nullptr;
     if (!component || !controller)
-        return;
+        return false;
 
     // The block comes from disk: every length must stay inside inSize.
     const auto* in = static_cast<const unsigned char*>(inpData);
@@ -75,24 +79,24 @@ void CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
     uint32_t controllerSize = 0;
     if (!in || size < kLengthFieldSize) {
         MV_LOG("fakehost", kLogError, "SetState refused: block too short for its header, inSize ", inSize);
-        return;
+        return false;
     }
     std::memcpy(&componentSize, in, kLengthFieldSize);
     const uint64_t controllerField = kLengthFieldSize + uint64_t{componentSize};
     if (controllerField + kLengthFieldSize > size) {
         MV_LOG("fakehost", kLogError, "SetState refused: component_size ", componentSize, " past inSize ", inSize);
-        return;
+        return false;
     }
     std::memcpy(&controllerSize, in + controllerField, kLengthFieldSize);
     if (controllerField + kLengthFieldSize + controllerSize > size) {
         MV_LOG("fakehost", kLogError, "SetState refused: controller_size ", controllerSize, " past inSize ", inSize);
-        return;
+        return false;
     }
 
     // Streams take 32-bit signed lengths.
     if (componentSize > INT32_MAX || controllerSize > INT32_MAX) {
         MV_LOG("fakehost", kLogError, "SetState refused: state too large");
-        return;
+        return false;
     }
 
     auto lock = mVst3Loader->lockControllerAccess();
@@ -113,4 +117,5 @@ void CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
     controllerStream.seek(0, IBStream::kIBSeekSet, nullptr);
     controller->setState(&controllerStream);
     MV_LOG("fakehost", kLogDebug, "SetState ", "component_size ", componentSize, " controller_size ", controllerSize);
+    return true;
 }

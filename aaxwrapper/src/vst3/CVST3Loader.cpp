@@ -7,6 +7,7 @@
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
+#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
@@ -336,6 +337,7 @@ bool CVST3Loader::activate(double sampleRate)
 
 std::unique_lock<std::recursive_mutex> CVST3Loader::lockControllerAccess()
 {
+    MV_MAIN_THREAD("CVST3Loader::lockControllerAccess");
     return std::unique_lock<std::recursive_mutex>(mTimer ? mTimer->callbackMutex() : mNoTimerMutex);
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "AAX_CEffectParameters.h"
+#include "ThreadRole.h"
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
@@ -21,12 +22,15 @@ struct ParamIdText {
 
 tresult PLUGIN_API CVST3Loader::beginEdit(ParamID id)
 {
+    MV_MAIN_THREAD("IComponentHandler::beginEdit");
     mOwner.TouchParameter(ParamIdText(id).text);
     return kResultOk;
 }
 
 tresult PLUGIN_API CVST3Loader::performEdit(ParamID id, ParamValue valueNormalized)
 {
+    // Writes the transfer queues whose single writer is the main thread.
+    MV_MAIN_THREAD("IComponentHandler::performEdit");
     if (mStandard) {
         // Once to the AAX host, whose echo the listener then recognises, and
         // once to the processor; the controller already has its own value.
@@ -44,12 +48,14 @@ tresult PLUGIN_API CVST3Loader::performEdit(ParamID id, ParamValue valueNormaliz
 
 tresult PLUGIN_API CVST3Loader::endEdit(ParamID id)
 {
+    MV_MAIN_THREAD("IComponentHandler::endEdit");
     mOwner.ReleaseParameter(ParamIdText(id).text);
     return kResultOk;
 }
 
 tresult PLUGIN_API CVST3Loader::restartComponent(int32 flags)
 {
+    MV_MAIN_THREAD("IComponentHandler::restartComponent");
     tresult result = kResultFalse;
     if (flags & kIoChanged) {
         // STANDARD: never rebuild the buses under a running process call.

@@ -1,6 +1,5 @@
-// Offline render: instances made through the plug-in's factories, driven
-// buffer by buffer through its native process procedure, with MIDI,
-// transport, parameter changes and state, written to WAV files.
+// What a render measured, per instance and output channel, and its text and
+// JSON forms.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -10,11 +9,8 @@
 
 #include "HostController.h"
 #include "HostMidiNode.h"
-#include "RenderConfig.h"
 
 namespace AAXHost {
-
-class CPluginSession;
 
 // Level of one output channel over the render. Peak and RMS are of the
 // finite samples; NaN and infinities are counted apart, never taken for
@@ -47,11 +43,6 @@ struct SRenderReport {
     int64_t processCalls = 0;  // calls of the process procedure, each with every instance
     std::vector<SInstanceReport> instances;
 };
-
-bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport& report, std::string& error);
-
-// "out.wav" for instance 0, "out.1.wav" for instance 1 and so on.
-std::string InstanceFileName(const std::string& path, int instance);
 
 nlohmann::json RenderReportToJson(const SRenderReport& report);
 // False when any output sample is NaN or infinite: such a render is a failure.

@@ -1,0 +1,378 @@
+#include "Renderer.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <memory>
+
+#include "AAX_IDescription.h"
+#include "CrashReport.h"
+#include "EditorSession.h"
+#include "HostInstance.h"
+#include "HostString.h"
+#include "MidiSchedule.h"
+#include "PluginSession.h"
+#include "ProgressBar.h"
+#include "ResultText.h"
+#include "StateFile.h"
+#include "TestSignal.h"
+
+namespace AAXHost {
+
+namespace {
+
+int64_t SampleAt(double seconds, double sampleRate)
+{
+    return static_cast<int64_t>(std::llround(seconds * sampleRate));
+}
+
+std::string CheckRenderConfig(const SRenderConfig& config)
+{
+    if (!(config.sampleRate >= 1000.0 && config.sampleRate <= 1536000.0))
+        return "--rate must be from 1000 to 1536000 Hz";
+    if (config.blockSize < 1 || config.blockSize > 65536)
+        return "block size must be from 1 to 65536";
+    if (!(config.seconds >= 0.0) || !(config.tail >= 0.0) || config.seconds > 86400.0 || config.tail > 86400.0 ||
+        !(config.tempo >= 0.0 && config.tempo <= 10000.0))
+        return "--seconds and --tail must be from 0 to 86400, --tempo from 0 to 10000";
+    if (std::isnan(config.editorAt) || config.editorAt > 86400.0)
+        return "--editor-at must be from 0 to 86400";
+    if (config.instances < 1 || config.instances > 256)
+        return "instances must be from 1 to 256";
+    return std::string();
+}
+
+// One render from set-up to tear-down; each step reports failure in mError.
+class CRenderJob {
+public:
+    CRenderJob(CPluginSession& session, const SRenderConfig& config, SRenderReport& report, std::string& error)
+        : mSession(session), mConfig(config), mReport(report), mError(error)
+    {
+    }
+
+    bool Run()
+    {
+        return FindProcessProcedure() && ReadMidi() && CreateInstances() && RestoreState() && ApplyBypass() &&
+               OpenAllOutputs() && RenderBlocks() && SaveState() && DestroyInstances();
+    }
+
+private:
+    struct SPendingSet {
+        SParameterSet set;
+        int64_t sample;
+        bool done;
+    };
+
+    bool FindProcessProcedure();
+    bool ReadMidi();
+    bool CreateInstances();
+    bool RestoreState();
+    bool ApplyBypass();
+    bool OpenAllOutputs();
+    bool RenderBlocks();
+    bool RenderBlock(const SBlock& block);
+    bool ApplyDueSets(const SBlock& block);
+    bool SetOnEveryInstance(const std::string& id, double value);
+    bool OpenEditorWhenDue(const SBlock& block);
+    void PrepareInstances(const SBlock& block);
+    bool CollectOutputs(const SBlock& block);
+    void IdleEditor();
+    void WakeDataModelsWhenDue(const SBlock& block);
+    bool SaveState();
+    bool DestroyInstances();
+
+    CPluginSession& mSession;
+    const SRenderConfig& mConfig;
+    SRenderReport& mReport;
+    std::string& mError;
+
+    const SEffectInfo* mEffect = nullptr;
+    const SComponentInfo* mComponent = nullptr;
+    AAX_CProcessProc mProcess = nullptr;
+    CMidiSchedule mSchedule;
+    STransportState mTransport;
+    SInstanceConfig mInstanceConfig;
+    std::vector<std::unique_ptr<CHostInstance>> mInstances;
+    std::vector<void*> mContexts;
+    std::vector<SPendingSet> mPendingSets;
+    std::vector<std::vector<SOutputFile>> mOutputs;
+    std::vector<AAX_CMidiPacket> mPackets;
+    std::vector<const float*> mChannelPointers;
+    CEditorSession mEditor;
+    int64_t mEditorSample = -1;
+    int64_t mNextWakeup = 0;
+};
+
+bool CRenderJob::FindProcessProcedure()
+{
+    mEffect = mSession.FindEffect(mConfig.effectID, mError);
+    if (!mEffect)
+        return false;
+    mComponent = FindProcessingComponent(*mEffect);
+    if (!mComponent) {
+        mError = "the effect registered no native process procedure";
+        return false;
+    }
+    mProcess = reinterpret_cast<AAX_CProcessProc>(mComponent->processProcs.front().proc);
+    return true;
+}
+
+// The MIDI file decides the tempo (unless --tempo does) and, without
+// --seconds, the length.
+bool CRenderJob::ReadMidi()
+{
+    double fileTempo = 120.0;
+    SetHostPhase("reading the MIDI file");
+    if (!mConfig.midiPath.empty() &&
+        !mSchedule.LoadSmf(mConfig.midiPath, mConfig.sampleRate, mConfig.tempo, mError, &fileTempo))
+        return false;
+    mTransport.sampleRate = mConfig.sampleRate;
+    mTransport.tempo = mConfig.tempo > 0.0 ? mConfig.tempo : fileTempo;
+    mTransport.meterNumerator = mConfig.meterNumerator;
+    mTransport.meterDenominator = mConfig.meterDenominator;
+    mTransport.playing = !mConfig.stopped;
+    mReport.totalSamples = mConfig.seconds > 0.0
+                               ? SampleAt(mConfig.seconds, mConfig.sampleRate)
+                               : mSchedule.LastSample() + SampleAt(mConfig.tail, mConfig.sampleRate);
+    return true;
+}
+
+bool CRenderJob::CreateInstances()
+{
+    mInstanceConfig.sampleRate = mConfig.sampleRate;
+    mInstanceConfig.maxBlock = mConfig.blockSize;
+    mInstanceConfig.outputChannels = OutputChannelCount(*mComponent);
+    SetPhase("instance creation");
+    for (int i = 0; i < mConfig.instances; ++i) {
+        mInstances.push_back(std::make_unique<CHostInstance>(*mEffect, *mComponent, mInstanceConfig, mTransport));
+        if (!mInstances.back()->Create(mError)) {
+            // The first instance's failure is the bundle's; later ones are news.
+            if (i > 0)
+                mError = "instance " + std::to_string(i) + ": " + mError;
+            return false;
+        }
+        mContexts.push_back(mInstances.back()->Context());
+    }
+    return true;
+}
+
+bool CRenderJob::RestoreState()
+{
+    if (mConfig.loadState.empty())
+        return true;
+    SetHostPhase("reading the state file");
+    std::vector<SStateChunk> chunks;
+    if (!ReadStateFile(mConfig.loadState, chunks, mError))
+        return false;
+    SetPhase("state restore (SetChunk)");
+    for (auto& inst : mInstances)
+        if (!LoadEffectState(*inst->Effect(), chunks, mError))
+            return false;
+    return true;
+}
+
+bool CRenderJob::ApplyBypass()
+{
+    if (!mConfig.bypass)
+        return true;
+    CHostString bypassID;
+    if (mInstances.front()->Effect()->GetMasterBypassParameter(&bypassID) != AAX_SUCCESS || bypassID.Text().empty()) {
+        mError = "the effect names no master bypass parameter";
+        return false;
+    }
+    for (auto& inst : mInstances) {
+        const AAX_Result r = inst->SetParameter(bypassID.Text(), 1.0);
+        if (r != AAX_SUCCESS) {
+            mError = "setting " + bypassID.Text() + " failed with " + ResultText(r);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CRenderJob::OpenAllOutputs()
+{
+    mOutputs.resize(mInstances.size());
+    mReport.instances.resize(mInstances.size());
+    for (size_t i = 0; i < mInstances.size(); ++i) {
+        if (!OpenOutputs(*mComponent, mConfig, static_cast<int>(i), mOutputs[i], mReport.instances[i], mError))
+            return false;
+        mReport.instances[i].channels.resize(static_cast<size_t>(mInstanceConfig.outputChannels));
+    }
+    return true;
+}
+
+bool CRenderJob::RenderBlocks()
+{
+    for (const auto& s : mConfig.sets)
+        mPendingSets.push_back({s, SampleAt(s.atSeconds, mConfig.sampleRate), false});
+    mEditorSample = mConfig.editorAt < 0.0 ? -1 : SampleAt(mConfig.editorAt, mConfig.sampleRate);
+    mPackets.reserve(256);
+    CProgressBar progress(mConfig.progress && !mConfig.json && isatty(STDOUT_FILENO));
+
+    SetPhase("rendering");
+    const auto started = std::chrono::steady_clock::now();
+    for (const SBlock& block : PlanBlocks(mReport.totalSamples, mConfig.blockSize)) {
+        if (!RenderBlock(block))
+            return false;
+        progress.Show(block.start + block.frames, mReport.totalSamples);
+    }
+    progress.Finish();
+    if (mEditor.IsOpen()) {
+        SetPhase("closing the view");
+        mEditor.Close();
+    }
+    mReport.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    for (auto& files : mOutputs)
+        for (auto& f : files)
+            f.writer->Close();
+    return true;
+}
+
+// What a host does around one call of the process procedure: automation
+// due in the buffer, MIDI and transport in, audio out, then its idle work.
+bool CRenderJob::RenderBlock(const SBlock& block)
+{
+    mTransport.samplePosition = block.start;
+    if (!ApplyDueSets(block) || !OpenEditorWhenDue(block))
+        return false;
+    PrepareInstances(block);
+    mProcess(mContexts.data(), mContexts.data() + mContexts.size());
+    ++mReport.processCalls;
+    if (!CollectOutputs(block))
+        return false;
+    IdleEditor();
+    WakeDataModelsWhenDue(block);
+    return true;
+}
+
+bool CRenderJob::ApplyDueSets(const SBlock& block)
+{
+    for (auto& p : mPendingSets) {
+        if (p.done || p.sample >= block.start + block.frames)
+            continue;
+        p.done = true;
+        if (!SetOnEveryInstance(p.set.id, p.set.value))
+            return false;
+    }
+    return true;
+}
+
+bool CRenderJob::SetOnEveryInstance(const std::string& id, double value)
+{
+    for (auto& inst : mInstances) {
+        const AAX_Result r = inst->SetParameter(id, value);
+        if (r != AAX_SUCCESS) {
+            mError = "setting parameter \"" + id + "\" failed with " + ResultText(r);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CRenderJob::OpenEditorWhenDue(const SBlock& block)
+{
+    if (mEditorSample < 0 || mEditor.IsOpen() || mEditorSample >= block.start + block.frames)
+        return true;
+    SetPhase("opening the view");
+    if (!mEditor.Open(*mInstances.front(), mError))
+        return false;
+    SetPhase("rendering");
+    return true;
+}
+
+void CRenderJob::PrepareInstances(const SBlock& block)
+{
+    mSchedule.PacketsForBlock(block.start, block.frames, mPackets);
+    for (auto& inst : mInstances) {
+        inst->PrepareBlock(block.start, block.frames, mPackets);
+        if (!mConfig.testInput)
+            continue;
+        for (int ch = 0; ch < inst->InputChannels(); ++ch) {
+            float* in = inst->Input(ch);
+            for (int s = 0; s < block.frames; ++s)
+                in[s] = TestInputSample(ch, block.start + s, mConfig.sampleRate);
+        }
+    }
+}
+
+bool CRenderJob::CollectOutputs(const SBlock& block)
+{
+    for (size_t i = 0; i < mInstances.size(); ++i) {
+        const CHostInstance& inst = *mInstances[i];
+        for (int ch = 0; ch < inst.OutputChannels(); ++ch)
+            mReport.instances[i].channels[static_cast<size_t>(ch)].Add(inst.Output(ch), block.frames);
+        for (auto& f : mOutputs[i]) {
+            mChannelPointers.clear();
+            for (int c = 0; c < f.channels; ++c)
+                mChannelPointers.push_back(inst.Output(f.firstChannel + c));
+            if (!f.writer->Write(mChannelPointers.data(), block.frames)) {
+                mError = "writing audio failed";
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void CRenderJob::IdleEditor()
+{
+    if (!mEditor.IsOpen())
+        return;
+    SetPhase("the view's timer");
+    mEditor.Idle();
+    SetPhase("rendering");
+}
+
+// A host wakes each data model about every 50 ms on its main thread.
+void CRenderJob::WakeDataModelsWhenDue(const SBlock& block)
+{
+    if (block.start + block.frames < mNextWakeup)
+        return;
+    SetPhase("the data model's timer (TimerWakeup)");
+    for (auto& inst : mInstances)
+        inst->Effect()->TimerWakeup();
+    mNextWakeup += std::max<int64_t>(1, SampleAt(0.05, mConfig.sampleRate));
+    SetPhase("rendering");
+}
+
+bool CRenderJob::SaveState()
+{
+    if (mConfig.saveState.empty())
+        return true;
+    SetPhase("state save (GetChunk)");
+    std::vector<SStateChunk> chunks;
+    return SaveEffectState(*mInstances.front()->Effect(), chunks, mError) &&
+           WriteStateFile(mConfig.saveState, chunks, mError);
+}
+
+bool CRenderJob::DestroyInstances()
+{
+    SetPhase("instance destruction");
+    for (size_t i = 0; i < mInstances.size(); ++i) {
+        SInstanceReport& r = mReport.instances[i];
+        r.midiIn = mInstances[i]->MidiInCount();
+        if (const CHostMidiNode* out = mInstances[i]->MidiOut())
+            r.midiOut = out->Posted();
+        r.automation = mInstances[i]->Controller()->Automation();
+        mInstances[i]->Destroy();
+    }
+    return true;
+}
+
+}  // namespace
+
+bool Render(CPluginSession& session, const SRenderConfig& config, SRenderReport& report, std::string& error)
+{
+    report = SRenderReport();
+    report.sampleRate = config.sampleRate;
+    report.blockSize = config.blockSize;
+    error = CheckRenderConfig(config);
+    if (!error.empty())
+        return false;
+    return CRenderJob(session, config, report, error).Run();
+}
+
+}  // namespace AAXHost
