@@ -1,5 +1,6 @@
-// Plug-in files that cannot give an effect: the fake host must still exist,
-// answer neutrally, survive every call, and log why.
+// Plug-in files that cannot give an effect, and a host whose effect was
+// quit: the fake host must still exist, answer neutrally, survive every
+// call, and log why.
 #include <gtest/gtest.h>
 
 #include "Vst2TestSupport.h"
@@ -33,10 +34,10 @@ void ExpectInertHost(CFakeHostVST2& host)
     host.AddInputChangeForGUI(0, 0.5);
 
     unsigned int size = 77;
-    host.GetState(&size, nullptr);
+    EXPECT_FALSE(host.GetState(&size, nullptr));
     EXPECT_EQ(size, 77u);
     std::vector<unsigned char> bytes(200);
-    host.SetState(static_cast<unsigned int>(bytes.size()), bytes.data());
+    EXPECT_FALSE(host.SetState(static_cast<unsigned int>(bytes.size()), bytes.data()));
 
     CTestViewContainer view;
     host.CreateGUI(&view);
@@ -75,6 +76,18 @@ TEST(FakeHostVST2BadInput, FilesThatGiveNoEffectLeaveAnInertHost)
             EXPECT_EQ(record.Lines(), std::vector<std::string>{"entry VSTPluginMain refused"});
         }
     }
+}
+
+TEST(FakeHostVST2BadInput, QuitLeavesAnInertHost)
+{
+    CProbeRecord record;
+    CLogCapture log({"fakehost"});
+    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
+    hosted.host->Quit();
+    EXPECT_TRUE(log.Contains("[ Quit ] "));
+    record.Clear();
+    ExpectInertHost(*hosted.host);
+    EXPECT_TRUE(record.Lines().empty()) << "nothing reaches a quit plug-in";
 }
 
 TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsTolerated)
