@@ -7,5 +7,6 @@ execute_process(
   ERROR_QUIET
   RESULT_VARIABLE _aaxw_git_rc)
 if(NOT _aaxw_git_rc EQUAL 0 OR AAXW_GIT_REVISION STREQUAL "")
-  set(AAXW_GIT_REVISION "0000000")
+  # Seven characters like a revision, and plainly not one.
+  set(AAXW_GIT_REVISION "unknown")
 endif()

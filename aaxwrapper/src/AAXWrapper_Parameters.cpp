@@ -70,6 +70,7 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
         Morvane::BuildPluginCandidates(VST_PLUGIN_NAME, VST_PLUGIN_EXTENSION);
     std::string path = Morvane::FindPluginFile(candidates);
     mPluginPath = path;
+    LogWherePluginWasFound(path);
     if (path.empty())
         mLoadError = "no " + VST_PLUGIN_NAME + "." + VST_PLUGIN_EXTENSION + " was found in the " +
                      std::to_string(candidates.size()) + " places searched";
@@ -89,6 +90,24 @@ AAXWrapper_Parameters::AAXWrapper_Parameters()
         LogPluginInfo();
         InitFakeHost();
     }
+}
+
+// Where the plug-in came from, and a warning when it is not the bundle's own:
+// a bundle missing its Contents/Resources must not silently run another
+// plug-in of the same name.
+void AAXWrapper_Parameters::LogWherePluginWasFound(const std::string& path) const
+{
+    if (path.empty())
+        return;
+    std::string resourcePath;
+    const bool own = CSingleton<Morvane::Resources>::getInstance()->GetAbsolutePath(
+                         VST_PLUGIN_NAME + "." + VST_PLUGIN_EXTENSION, resourcePath) &&
+                     resourcePath == path;
+    if (own)
+        MV_LOG("fakehost", kLogNotice, "VST file found on ", path);
+    else
+        MV_LOG("fakehost", kLogWarning, "VST file found on ", path,
+               ", outside the bundle's resource folders: the bundle carries no plug-in of its own");
 }
 
 void AAXWrapper_Parameters::LogPluginInfo()

@@ -61,6 +61,7 @@ private:
     void CreateFakeHost(std::string& path);
     void InitFakeHost();
     void LogPluginInfo();
+    void LogWherePluginWasFound(const std::string& path) const;
     void PublishPluginParameters();
     void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);

@@ -5,6 +5,7 @@
 # fail with the documented message instead of passing silence off as a
 # result; the log must say why.
 #   run_broken_bundle.sh <aaxhost> <bundle folder> <work folder> <reason text> <expected log text>...
+# In a log text, @BUNDLE@ stands for the bundle folder.
 set -u
 host="$1"; bundle="$2"; work="$3"; reason="$4"; shift 4
 rm -rf "$work"; mkdir -p "$work" "$bundle/Contents/Resources"
@@ -39,6 +40,7 @@ grep -qF "(not loaded: " "$work/describe.txt" || fail "describe does not say the
 log=$(cat "$work"/wrapper.log* 2>/dev/null)
 [ -n "$log" ] || fail "no log written to $work/wrapper.log*"
 for expected in "$@"; do
+    expected=$(printf '%s' "$expected" | sed "s|@BUNDLE@|$bundle|")
     printf '%s' "$log" | grep -qF -- "$expected" || fail "log lacks \"$expected\""
 done
 [ "$failures" -eq 0 ] && { echo "broken bundle refused as documented"; exit 0; }

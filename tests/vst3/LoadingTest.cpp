@@ -38,10 +38,10 @@ void ExpectNeutral(CFakeHostVST3& host, bool hasFactory)
     EXPECT_EQ(host.GetPluginProductUniqueID(), 0);
     EXPECT_EQ(host.TimerWakeup(), 0);
     unsigned int size = 0;
-    host.GetState(&size, nullptr);
+    EXPECT_FALSE(host.GetState(&size, nullptr));
     EXPECT_EQ(size, 60u);
     unsigned char block[8] = {1, 0, 0, 0, 0, 0, 0, 0};
-    host.SetState(sizeof(block), block);
+    EXPECT_FALSE(host.SetState(sizeof(block), block));
     host.Setup();
     host.AddInputChangeForGUI(0, 0.5);
     host.AddInputChangeForProcessing(0, 0.5);
