@@ -27,7 +27,7 @@ set(_vst3_sdk_common
 
 # The SDK folder defines no identifiers for the editor interfaces; this
 # generated unit does, for hosts and plug-ins alike.
-set(_vst3_gui_iids "${CMAKE_BINARY_DIR}/vst3sdk_gui_iids.cpp")
+set(_vst3_gui_iids "${PROJECT_BINARY_DIR}/vst3sdk_gui_iids.cpp")
 file(WRITE "${_vst3_gui_iids}.tmp"
   "#include \"pluginterfaces/gui/iplugview.h\"\n"
   "#include \"pluginterfaces/gui/iplugviewcontentscalesupport.h\"\n"
@@ -86,11 +86,11 @@ function(add_vst3_bundle target)
     set(ARG_NAME ${target})
   endif()
   if(NOT ARG_OUTPUT_DIR)
-    set(ARG_OUTPUT_DIR "${CMAKE_BINARY_DIR}/vst3")
+    set(ARG_OUTPUT_DIR "${PROJECT_BINARY_DIR}/vst3")
   endif()
   add_library(${target} MODULE ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE vst3sdk_plugin ${ARG_LIBRARIES})
-  set(_exports "${CMAKE_BINARY_DIR}/vst3_bundle_exports.map")
+  set(_exports "${PROJECT_BINARY_DIR}/vst3_bundle_exports.map")
   if(NOT EXISTS "${_exports}")
     file(WRITE "${_exports}" "{ global: GetPluginFactory; ModuleEntry; ModuleExit; local: *; };\n")
   endif()
