@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Builds the consumer project in a temporary folder and plays its bundle:
+# Builds the consumer project (project/, kept out of the test tree, which
+# adds every folder holding a CMakeLists.txt) in a temporary folder and plays its bundle:
 # only the consumer's bundle may appear, and it must sound.
 set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
-cmake -S "$ROOT/tests/consumer" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+cmake -S "$ROOT/tests/consumer/project" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DAAXW_ROOT="$ROOT" -DVST3_SDK_ROOT="$ROOT/third_party/VST3_SDK" > "$work/configure.log"
 cmake --build "$work/build" -j "${JOBS:-2}" > "$work/build.log" || { tail -n 30 "$work/build.log"; exit 1; }
 bundles=$(cd "$work/build" && find . -name '*.aaxplugin' -type d | sort)

@@ -1,6 +1,7 @@
 // The one abstract VST host through which the AAX front end drives the
 // wrapped plug-in, whatever its format. Operations are grouped by the thread
-// that may call them.
+// that may call them; the implementations check it (ThreadRole.h), so a
+// main-thread operation reached from the audio thread stops a test run.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +27,7 @@ public:
     virtual ~IFakeHost() = default;
 
     // --- Main thread: life cycle, description, parameters, state. ---------
+    // May allocate, lock the controller and wait for process calls to leave.
     // True when the plug-in objects exist; otherwise GetLoadError says why.
     virtual bool Init() = 0;
     virtual void Setup() = 0;
@@ -51,16 +53,23 @@ public:
     virtual bool GetState(unsigned int* outSize, void* outpData) = 0;
     // False when the block was refused and the plug-in was left as it was.
     virtual bool SetState(unsigned int inSize, void* inpData) = 0;
-    // Periodic: applies a sample-rate change that processing has seen.
-    virtual void ApplyPendingSettings() {}
 
     // --- Main thread, from the editor view bridge. --------------------------
+    // Touches the plug-in's editor and the host's view container only.
     virtual void QuitGUI() = 0;
     virtual void CreateGUI(AAX_IViewContainer* container) = 0;
     virtual void GetViewSize(float& outWidth, float& outHeight) = 0;
+
+    // --- Main thread, from the host's idle timer. ---------------------------
+    // The editor's idle work and its size requests.
     virtual int32_t TimerWakeup() { return 0; }
+    // Applies a sample-rate change that processing has seen, with processing
+    // held off meanwhile (the audio thread is never made to wait).
+    virtual void ApplyPendingSettings() {}
 
     // --- Real-time thread: never blocks, never allocates. -------------------
+    // Touches the processor, the buffers, the MIDI nodes and the transport;
+    // the controller only where a host mode says so, marked in the code.
     virtual void Process(S_Alg_Context* context) = 0;
 
     EHostMode GetHostMode() const { return mHostMode; }
