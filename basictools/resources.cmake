@@ -7,7 +7,8 @@ add_library(basictools STATIC
   ${CMAKE_CURRENT_LIST_DIR}/stlutils.h
   ${CMAKE_CURRENT_LIST_DIR}/ThreadRole.h
 )
-target_include_directories(basictools PUBLIC ${PROJECT_SOURCE_DIR}/basictools)
+target_include_directories(basictools PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/basictools>
+  $<INSTALL_INTERFACE:include/MorvaneAAXWrapper/basictools>)
 target_link_libraries(basictools PUBLIC basictools_logger ${CMAKE_DL_LIBS})
 if(AAXW_THREAD_CHECKS)
   target_compile_definitions(basictools PUBLIC MORVANE_THREAD_CHECKS=1)

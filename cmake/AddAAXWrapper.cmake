@@ -14,6 +14,14 @@
 # into Contents/Resources/<Name>.<extension>, where the wrapper finds it.
 include_guard(GLOBAL)
 
+# Also usable on its own, from an installed package: its helpers sit beside it.
+if(NOT COMMAND aaxw_strict_warnings)
+  include("${CMAKE_CURRENT_LIST_DIR}/Warnings.cmake")
+endif()
+if(NOT DEFINED AAXW_GIT_REVISION)
+  include("${CMAKE_CURRENT_LIST_DIR}/GitRevision.cmake")
+endif()
+
 # 'TvV2' -> 1417041458: AAX type IDs are big-endian four-character codes.
 function(_aaxw_fourcc_to_int text outVar)
   # Accept the C spelling 'TvV2' as well as TvV2.
@@ -97,8 +105,9 @@ function(add_aax_wrapper target)
   if(AW_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "add_aax_wrapper(${target}): unknown arguments ${AW_UNPARSED_ARGUMENTS}")
   endif()
-  if(NOT TARGET aaxwrapper_frontend)
-    message(FATAL_ERROR "add_aax_wrapper(${target}): the aaxwrapper_frontend library is not defined yet")
+  if(NOT TARGET MorvaneAAXWrapper::aaxwrapper_frontend)
+    message(FATAL_ERROR "add_aax_wrapper(${target}): the front-end library is not defined yet "
+                        "(add this project with add_subdirectory() or find_package(MorvaneAAXWrapper) first)")
   endif()
   if(NOT AW_OUTPUT_DIR)
     set(AW_OUTPUT_DIR "${CMAKE_BINARY_DIR}/bundles")
@@ -113,7 +122,7 @@ function(add_aax_wrapper target)
     MANUFACTURER_NAME "${AW_MANUFACTURER_NAME}" HOST_MODE "${AW_HOST_MODE}")
   # The whole front end goes in: nothing inside the bundle refers to the
   # exported entry points, so plain archive linking would drop them.
-  target_link_libraries(${target} PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,aaxwrapper_frontend>")
+  target_link_libraries(${target} PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,MorvaneAAXWrapper::aaxwrapper_frontend>")
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME "${AW_NAME}"
     PREFIX ""

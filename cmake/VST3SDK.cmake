@@ -45,7 +45,9 @@ configure_file("${_vst3_gui_iids}.tmp" "${_vst3_gui_iids}" COPYONLY)
 list(APPEND _vst3_sdk_common "${_vst3_gui_iids}")
 
 function(_vst3_sdk_flags target)
-  target_include_directories(${target} SYSTEM PUBLIC ${VST3_SDK_ROOT})
+  # Only our own back end compiles against the SDK: an installed package
+  # hands its headers to nobody.
+  target_include_directories(${target} SYSTEM PUBLIC $<BUILD_INTERFACE:${VST3_SDK_ROOT}>)
   target_compile_definitions(${target} PUBLIC $<IF:$<CONFIG:Debug>,DEVELOPMENT=1,RELEASE=1>)
   target_compile_options(${target} PRIVATE -w)
   find_package(Threads REQUIRED)

@@ -1,26 +1,46 @@
 #!/usr/bin/env bash
 # Builds the consumer project (project/, kept out of the test tree, which
-# adds every folder holding a CMakeLists.txt) in a temporary folder and plays its bundle:
-# only the consumer's bundle may appear, and it must sound.
+# adds every folder holding a CMakeLists.txt) in a temporary folder, in one
+# of the two ways the README gives, and plays its bundle: only the
+# consumer's bundle may appear, it must sound and say it was not built from
+# a git checkout.
+#   run.sh subdirectory            add_subdirectory of this checkout
+#   run.sh package BUILD_DIR       find_package against BUILD_DIR installed
 set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
+mode="${1:?usage: run.sh subdirectory|package BUILD_DIR}"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
-cmake -S "$ROOT/tests/consumer/project" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DAAXW_ROOT="$ROOT" -DVST3_SDK_ROOT="$ROOT/third_party/VST3_SDK" > "$work/configure.log"
+cp -r "$ROOT/tests/consumer/project" "$work/src"   # outside any git checkout
+args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+case "$mode" in
+  subdirectory)
+    args+=(-DAAXW_ROOT="$ROOT" -DVST3_SDK_ROOT="$ROOT/third_party/VST3_SDK")
+    aaxhost="$work/build/aaxwrapper/tools/aaxhost/aaxhost" ;;
+  package)
+    cmake --install "${2:?build folder to install}" --prefix "$work/prefix" > "$work/install.log"
+    args+=(-DCMAKE_PREFIX_PATH="$work/prefix")
+    aaxhost="$work/prefix/bin/aaxhost" ;;
+  *) echo "consumer: unknown mode $mode"; exit 2 ;;
+esac
+cmake -S "$work/src" -B "$work/build" "${args[@]}" > "$work/configure.log" || { cat "$work/configure.log"; exit 1; }
 cmake --build "$work/build" -j "${JOBS:-2}" > "$work/build.log" || { tail -n 30 "$work/build.log"; exit 1; }
 bundles=$(cd "$work/build" && find . -name '*.aaxplugin' -type d | sort)
 if [ "$bundles" != "./bundles/amsynth.aaxplugin" ]; then
-  echo "consumer: expected only ./bundles/amsynth.aaxplugin, found: $bundles"; exit 1
+  echo "consumer ($mode): expected only ./bundles/amsynth.aaxplugin, found: $bundles"; exit 1
 fi
-"$work/build/aaxwrapper/tools/aaxhost/aaxhost" render "$work/build/bundles/amsynth.aaxplugin" \
-  --midi "$ROOT/examples/demo/demo.mid" --seconds 3 --out "$work/out.wav" --json --no-progress > "$work/render.json"
-python3 - "$work/render.json" <<'PY'
+bundle="$work/build/bundles/amsynth.aaxplugin"
+printf 'fakehost notice\nOutputFile %s\n' "$work/wrapper.log" > "$bundle/Contents/Resources/log.conf"
+"$aaxhost" render "$bundle" --midi "$ROOT/examples/demo/demo.mid" --seconds 3 --out "$work/out.wav" \
+  --json --no-progress > "$work/render.json"
+grep -qF "## Git Revision        : unknown" "$work"/wrapper.log* ||
+  { echo "consumer ($mode): the log does not give the revision as unknown"; exit 1; }
+python3 - "$work/render.json" "$mode" <<'PY'
 import json, sys
 text = open(sys.argv[1]).read()
 report = json.loads(text[text.index('{\n'):])
 peak = max(c["peak"] for c in report["instances"][0]["channels"][:2])
 if peak < 0.01:
-    sys.exit("consumer: the bundle rendered silence (peak %g)" % peak)
-print("consumer: add_subdirectory bundle renders, peak %.3f" % peak)
+    sys.exit("consumer (%s): the bundle rendered silence (peak %g)" % (sys.argv[2], peak))
+print("consumer (%s): the bundle renders, peak %.3f" % (sys.argv[2], peak))
 PY
