@@ -116,6 +116,8 @@ void AAXWrapper_Parameters::LogPluginInfo()
     CallFakeHost("GetPluginVendor", [&] {
         const std::string vendor = mFakeHost->GetPluginVendor();
         const std::string version = mFakeHost->GetPluginVersion();
+        mPluginVendor = vendor;
+        mPluginVersion = version;
         const int32_t uniqueID = mFakeHost->GetPluginProductUniqueID();
         MV_LOG("fakehost", kLogNotice, "###########   Plugins Info   ###########");
         MV_LOG("fakehost", kLogNotice, "## Vendor   : ", vendor);
@@ -363,10 +365,22 @@ AAX_Result AAXWrapper_Parameters::TimerWakeup()
     return AAX_CEffectParameters::TimerWakeup();
 }
 
+namespace {
+// A plug-in's own text in a key=value line: a line break would start a key.
+std::string OneLine(std::string text)
+{
+    for (char& c : text)
+        if (c == '\n' || c == '\r')
+            c = ' ';
+    return text;
+}
+}  // namespace
+
 std::string AAXWrapper_Parameters::StatusText() const
 {
     return "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" + mPluginPath +
-           "\nerror=" + mLoadError + "\n";
+           "\nerror=" + mLoadError + "\nvendor=" + OneLine(mPluginVendor) + "\nversion=" + OneLine(mPluginVersion) +
+           "\n";
 }
 
 AAX_Result AAXWrapper_Parameters::GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,

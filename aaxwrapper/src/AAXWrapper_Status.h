@@ -5,6 +5,8 @@
 //   loaded=1|0          whether the wrapped plug-in is running
 //   plugin=<path>       the file that was found (empty when none)
 //   error=<reason>      why it is not running (empty when it is)
+//   vendor=<text>       the plug-in's vendor as it reports it (empty when unknown)
+//   version=<text>      the plug-in's version as it reports it (empty when unknown)
 // Test hosts read it to tell a wrapper around nothing from a working one.
 #pragma once
 

@@ -161,6 +161,9 @@ void PrintDescription(std::ostream& out, const SPluginInfo& info, const SDescrib
         out << "Host mode:       " << where.wrapper.mode << "\n"
             << "Wraps:           " << (where.wrapper.plugin.empty() ? "(nothing found)" : where.wrapper.plugin)
             << (where.wrapper.loaded ? "" : " (not loaded: " + where.wrapper.error + ")") << "\n";
+    if (where.wrapper.present && where.wrapper.loaded)
+        out << "Wrapped vendor:  " << where.wrapper.vendor << "\n"
+            << "Wrapped version: " << where.wrapper.version << "\n";
     out
         << "SDK version:     " << Hex(info.sdkVersion, 16) << "\n"
         << "Manufacturer:    " << info.manufacturerName << "\n";

@@ -37,6 +37,10 @@ SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect)
             status.plugin = value;
         else if (key == "error")
             status.error = value;
+        else if (key == "vendor")
+            status.vendor = value;
+        else if (key == "version")
+            status.version = value;
     }
     return status;
 }
@@ -62,7 +66,8 @@ nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper)
 {
     if (!wrapper.present)
         return nullptr;
-    return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin}, {"error", wrapper.error}};
+    return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin}, {"error", wrapper.error},
+            {"vendor", wrapper.vendor}, {"version", wrapper.version}};
 }
 
 std::string NotLoadedMessage(const SWrapperStatus& status)

@@ -16,6 +16,8 @@ struct SWrapperStatus {
     bool loaded = false;
     std::string plugin;
     std::string error;
+    std::string vendor;   // as the wrapped plug-in reports them
+    std::string version;
 };
 
 class CPluginSession;

@@ -126,7 +126,9 @@ bool ParseTrack(CCursor track, SSmfFile& out, std::string& error)
         event.tick = tick;
         event.length = length;
         event.data[0] = status;
-        for (uint32_t i = 1; i < length; ++i) {
+        // Channel messages are at most three bytes; the bound also tells the
+        // optimiser so.
+        for (uint32_t i = 1; i < length && i < sizeof(event.data); ++i) {
             uint8_t b = 0;
             if (!track.Byte(b))
                 return true;
