@@ -35,6 +35,7 @@ struct SRenderConfig {
     std::string saveState;
     std::string loadState;
     std::string stemsDir;
+    std::string plotPath;  // PNG picture of the render; empty: none
     int32_t instances = 1;
     bool stopped = false;     // the transport reports stopped, at the song start
     double editorAt = -1.0;   // < 0: no view; else instance 0's view opens at this time

@@ -66,6 +66,10 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
         instances.push_back({{"files", inst.files}, {"channels", channels}, {"midi_in", inst.midiIn},
                              {"midi_out", midiOut}, {"automation", automation}});
     }
+    json plot = nullptr;
+    if (!report.plot.file.empty())
+        plot = {{"file", report.plot.file}, {"width", report.plot.width}, {"height", report.plot.height},
+                {"rows", report.plot.rows}};
     return {{"format", "aaxhost-render-1"},
             {"sample_rate", report.sampleRate},
             {"block_size", report.blockSize},
@@ -74,7 +78,8 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
             {"wall_seconds", report.wallSeconds},
             {"process_calls", report.processCalls},
             {"instances_per_call", report.instances.size()},
-            {"instances", instances}};
+            {"instances", instances},
+            {"plot", plot}};
 }
 
 void PrintRenderReport(std::ostream& out, const SRenderReport& report)
@@ -108,6 +113,9 @@ void PrintRenderReport(std::ostream& out, const SRenderReport& report)
         for (const auto& f : inst.files)
             out << "  wrote " << f << "\n";
     }
+    if (!report.plot.file.empty())
+        out << "Plotted " << report.plot.rows.size() << " waveform rows and the spectrum into " << report.plot.file
+            << " (" << report.plot.width << " x " << report.plot.height << ")\n";
 }
 
 }  // namespace AAXHost

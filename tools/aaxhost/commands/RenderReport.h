@@ -35,6 +35,13 @@ struct SInstanceReport {
     std::vector<std::string> files;
 };
 
+struct SPlotReport {
+    std::string file;  // empty: no plot asked for
+    int width = 0;
+    int height = 0;
+    std::vector<std::string> rows;  // the waveform rows drawn, top to bottom
+};
+
 struct SRenderReport {
     double sampleRate = 0.0;
     int32_t blockSize = 0;
@@ -42,6 +49,7 @@ struct SRenderReport {
     double wallSeconds = 0.0;
     int64_t processCalls = 0;  // calls of the process procedure, each with every instance
     std::vector<SInstanceReport> instances;
+    SPlotReport plot;
 };
 
 nlohmann::json RenderReportToJson(const SRenderReport& report);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <memory>
 
 #include "AAX_IDescription.h"
@@ -15,6 +16,7 @@
 #include "MidiSchedule.h"
 #include "PluginSession.h"
 #include "ProgressBar.h"
+#include "RenderPlot.h"
 #include "ResultText.h"
 #include "StateFile.h"
 #include "TestSignal.h"
@@ -55,7 +57,7 @@ public:
     bool Run()
     {
         return FindProcessProcedure() && ReadMidi() && CreateInstances() && RestoreState() && ApplyBypass() &&
-               OpenAllOutputs() && RenderBlocks() && SaveState() && DestroyInstances();
+               OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
     }
 
 private:
@@ -80,6 +82,7 @@ private:
     bool CollectOutputs(const SBlock& block);
     void IdleEditor();
     void WakeDataModelsWhenDue(const SBlock& block);
+    bool WritePlot();
     bool SaveState();
     bool DestroyInstances();
 
@@ -101,6 +104,8 @@ private:
     std::vector<AAX_CMidiPacket> mPackets;
     std::vector<const float*> mChannelPointers;
     CEditorSession mEditor;
+    std::unique_ptr<CRenderPlot> mPlot;  // instance 0, with --plot
+    std::vector<const float*> mPlotPointers;
     int64_t mEditorSample = -1;
     int64_t mNextWakeup = 0;
 };
@@ -201,6 +206,8 @@ bool CRenderJob::OpenAllOutputs()
             return false;
         mReport.instances[i].channels.resize(static_cast<size_t>(mInstanceConfig.outputChannels));
     }
+    if (!mConfig.plotPath.empty())
+        mPlot = std::make_unique<CRenderPlot>(mInstanceConfig.outputChannels, mReport.totalSamples, mConfig.sampleRate);
     return true;
 }
 
@@ -300,6 +307,13 @@ void CRenderJob::PrepareInstances(const SBlock& block)
 
 bool CRenderJob::CollectOutputs(const SBlock& block)
 {
+    if (mPlot) {
+        const CHostInstance& first = *mInstances.front();
+        mPlotPointers.clear();
+        for (int ch = 0; ch < first.OutputChannels(); ++ch)
+            mPlotPointers.push_back(first.Output(ch));
+        mPlot->Add(mPlotPointers.data(), block.start, block.frames);
+    }
     for (size_t i = 0; i < mInstances.size(); ++i) {
         const CHostInstance& inst = *mInstances[i];
         for (int ch = 0; ch < inst.OutputChannels(); ++ch)
@@ -336,6 +350,41 @@ void CRenderJob::WakeDataModelsWhenDue(const SBlock& block)
         inst->Effect()->TimerWakeup();
     mNextWakeup += std::max<int64_t>(1, SampleAt(0.05, mConfig.sampleRate));
     SetPhase("rendering");
+}
+
+// The main output, then every stem of instance 0 that sounds.
+bool CRenderJob::WritePlot()
+{
+    if (!mPlot)
+        return true;
+    SetHostPhase("drawing the plot");
+    const std::vector<SChannelStats>& stats = mReport.instances.front().channels;
+    std::vector<SPlotRow> rows;
+    rows.push_back({"Main output", 0, 2, 0, 0});
+    int channel = 2;
+    for (const auto& stem : mComponent->stems) {
+        const int count = std::max(1, AAX_STEM_FORMAT_CHANNEL_COUNT(stem.format));
+        bool sounds = false;
+        for (int c = channel; c < channel + count && c < static_cast<int>(stats.size()); ++c)
+            sounds = sounds || stats[static_cast<size_t>(c)].peak > 0.0;
+        if (sounds)
+            rows.push_back({stem.name, channel, count, 0, 0});
+        channel += count;
+    }
+    char title[160];
+    std::snprintf(title, sizeof title, "%s  -  %.3f s at %.0f Hz, blocks of %d",
+                  (mEffect->names.empty() ? mEffect->effectID : mEffect->names.front()).c_str(),
+                  mConfig.sampleRate > 0 ? static_cast<double>(mReport.totalSamples) / mConfig.sampleRate : 0.0,
+                  mConfig.sampleRate, mConfig.blockSize);
+    int height = 0;
+    if (!mPlot->Write(mConfig.plotPath, title, rows, height, mError))
+        return false;
+    mReport.plot.file = mConfig.plotPath;
+    mReport.plot.width = CRenderPlot::kWidth;
+    mReport.plot.height = height;
+    for (const SPlotRow& row : rows)
+        mReport.plot.rows.push_back(row.name);
+    return true;
 }
 
 bool CRenderJob::SaveState()

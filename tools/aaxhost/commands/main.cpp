@@ -149,6 +149,8 @@ int main(int argc, char** argv)
     render->add_option("--save-state", rc.saveState, "Save every chunk of instance 0 after the render");
     render->add_option("--load-state", rc.loadState, "Restore chunks into every instance before the render");
     render->add_option("--stems", rc.stemsDir, "Folder for one WAV file per output stem");
+    render->add_option("--plot", rc.plotPath,
+                       "PNG picture: waveforms of the main output and every stem that sounds, spectrum of the main output");
     render->add_option("--instances", rc.instances, "Instances processed in one batch")->capture_default_str();
     render->add_option("--effect", rc.effectID, "Effect ID to run (default: the first)");
     render->add_flag("--stopped", rc.stopped, "The transport reports stopped, at the song start");
