@@ -112,6 +112,14 @@ function(add_aax_wrapper target)
   if(NOT AW_OUTPUT_DIR)
     set(AW_OUTPUT_DIR "${CMAKE_BINARY_DIR}/bundles")
   endif()
+  # Two products writing one bundle folder would overwrite each other.
+  get_filename_component(_bundle "${AW_OUTPUT_DIR}/${AW_NAME}.aaxplugin" ABSOLUTE)
+  get_property(_owner GLOBAL PROPERTY "AAXW_BUNDLE_OWNER:${_bundle}")
+  if(_owner)
+    message(FATAL_ERROR "add_aax_wrapper(${target}): ${_owner} already builds ${_bundle}; "
+                        "give one of them another OUTPUT_DIR")
+  endif()
+  set_property(GLOBAL PROPERTY "AAXW_BUNDLE_OWNER:${_bundle}" "${target}")
   set(_contents "${AW_OUTPUT_DIR}/${AW_NAME}.aaxplugin/Contents")
   set(_binaryDir "${_contents}/x86_64-linux")
 

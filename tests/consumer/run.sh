@@ -15,7 +15,7 @@ cp -r "$ROOT/tests/consumer/project" "$work/src"   # outside any git checkout
 args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo)
 case "$mode" in
   subdirectory)
-    args+=(-DAAXW_ROOT="$ROOT" -DVST3_SDK_ROOT="$ROOT/third_party/VST3_SDK")
+    args+=(-DAAXW_ROOT="$ROOT")
     aaxhost="$work/build/aaxwrapper/tools/aaxhost/aaxhost" ;;
   package)
     cmake --install "${2:?build folder to install}" --prefix "$work/prefix" > "$work/install.log"
