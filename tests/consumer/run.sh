@@ -12,7 +12,7 @@ mode="${1:?usage: run.sh subdirectory|package BUILD_DIR}"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 cp -r "$ROOT/tests/consumer/project" "$work/src"   # outside any git checkout
-args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+args=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTEST_VST3_BUNDLE="$ROOT/build/vst3/MrvTestSynth.vst3")
 case "$mode" in
   subdirectory)
     args+=(-DAAXW_ROOT="$ROOT")
@@ -26,8 +26,9 @@ esac
 cmake -S "$work/src" -B "$work/build" "${args[@]}" > "$work/configure.log" || { cat "$work/configure.log"; exit 1; }
 cmake --build "$work/build" -j "${JOBS:-2}" > "$work/build.log" || { tail -n 30 "$work/build.log"; exit 1; }
 bundles=$(cd "$work/build" && find . -name '*.aaxplugin' -type d | sort)
-if [ "$bundles" != "./bundles/amsynth.aaxplugin" ]; then
-  echo "consumer ($mode): expected only ./bundles/amsynth.aaxplugin, found: $bundles"; exit 1
+expected="$(printf './bundles/Renamed Synth.aaxplugin\n./bundles/amsynth.aaxplugin')"
+if [ "$bundles" != "$expected" ]; then
+  echo "consumer ($mode): expected only the two bundles of the project, found: $bundles"; exit 1
 fi
 bundle="$work/build/bundles/amsynth.aaxplugin"
 printf 'fakehost notice\nOutputFile %s\n' "$work/wrapper.log" > "$bundle/Contents/Resources/log.conf"
@@ -35,12 +36,15 @@ printf 'fakehost notice\nOutputFile %s\n' "$work/wrapper.log" > "$bundle/Content
   --json --no-progress > "$work/render.json"
 grep -qF "## Git Revision        : unknown" "$work"/wrapper.log* ||
   { echo "consumer ($mode): the log does not give the revision as unknown"; exit 1; }
-python3 - "$work/render.json" "$mode" <<'PY'
+"$aaxhost" render "$work/build/bundles/Renamed Synth.aaxplugin" --midi "$ROOT/examples/demo/demo.mid" --seconds 3 \
+  --out "$work/renamed.wav" --json --no-progress > "$work/renamed.json"
+python3 - "$mode" "$work/render.json" "$work/renamed.json" <<'PY'
 import json, sys
-text = open(sys.argv[1]).read()
-report = json.loads(text[text.index('{\n'):])
-peak = max(c["peak"] for c in report["instances"][0]["channels"][:2])
-if peak < 0.01:
-    sys.exit("consumer (%s): the bundle rendered silence (peak %g)" % (sys.argv[2], peak))
-print("consumer (%s): the bundle renders, peak %.3f" % (sys.argv[2], peak))
+for path in sys.argv[2:]:
+    text = open(path).read()
+    report = json.loads(text[text.index('{\n'):])
+    peak = max(c["peak"] for c in report["instances"][0]["channels"][:2])
+    if peak < 0.01:
+        sys.exit("consumer (%s): %s: the bundle rendered silence (peak %g)" % (sys.argv[1], path, peak))
+    print("consumer (%s): %s renders, peak %.3f" % (sys.argv[1], path.rsplit("/", 1)[-1], peak))
 PY
