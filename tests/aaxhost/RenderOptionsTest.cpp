@@ -1,9 +1,15 @@
-// Command-line values aaxhost refuses before rendering anything. Where the
-// events of a good file land is checked end to end (vst3e2e.*).
+// Command-line values aaxhost refuses before rendering anything, and the
+// render's statistics. Where the events of a good file land is checked end
+// to end (vst3e2e.*).
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
 
 #include "MidiSchedule.h"
 #include "RenderConfig.h"
+#include "RenderReport.h"
 
 using namespace AAXHost;
 
@@ -28,4 +34,36 @@ TEST(RenderOptions, BadParameterSetsMetersAndMidiFilesAreRefused)
     CMidiSchedule schedule;
     EXPECT_FALSE(schedule.LoadSmf("/nonexistent/missing.mid", 48000, 0.0, error));
     EXPECT_FALSE(error.empty());
+}
+
+// The vectorised statistics against a plain count, on blocks that take each
+// path: silence, negative zero, ordinary audio, denormals, NaN and infinity.
+TEST(RenderStatistics, EveryPathCountsLikeAPlainLoop)
+{
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float tiny = std::numeric_limits<float>::denorm_min();
+    const std::vector<std::vector<float>> blocks = {
+        std::vector<float>(64, 0.0f), {0.0f, -0.0f, 0.0f}, {0.5f, -0.75f, 0.25f, tiny, -tiny, 0.0f, 0.1f},
+        {0.5f, nan, -0.9f, inf, tiny, -inf, 0.2f}, std::vector<float>(1000, -0.3f), {}};
+    AAXHost::SChannelStats stats;
+    double peak = 0.0, squares = 0.0;
+    int64_t samples = 0, nans = 0, infinities = 0, denormals = 0;
+    for (const auto& block : blocks) {
+        stats.Add(block.data(), static_cast<int>(block.size()));
+        for (float v : block) {
+            ++samples;
+            if (std::isnan(v)) { ++nans; continue; }
+            if (std::isinf(v)) { ++infinities; continue; }
+            denormals += std::fpclassify(v) == FP_SUBNORMAL ? 1 : 0;
+            peak = std::max(peak, static_cast<double>(std::fabs(v)));
+            squares += static_cast<double>(v) * v;
+        }
+    }
+    EXPECT_EQ(stats.samples, samples);
+    EXPECT_EQ(stats.nans, nans);
+    EXPECT_EQ(stats.infinities, infinities);
+    EXPECT_EQ(stats.denormals, denormals);
+    EXPECT_DOUBLE_EQ(stats.peak, peak);
+    EXPECT_NEAR(stats.sumSquares, squares, 1e-9 * squares);
 }

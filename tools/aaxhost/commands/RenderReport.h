@@ -24,6 +24,7 @@ struct SChannelStats {
     int64_t denormals = 0;
     double Rms() const;
     void Add(const float* data, int frames);
+    void AddWithNonFinite(const float* data, int frames);
     bool Finite() const { return nans == 0 && infinities == 0; }
 };
 

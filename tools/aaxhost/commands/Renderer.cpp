@@ -248,6 +248,8 @@ bool CRenderJob::RenderBlock(const SBlock& block)
     PrepareInstances(block);
     mProcess(mContexts.data(), mContexts.data() + mContexts.size());
     ++mReport.processCalls;
+    for (auto& inst : mInstances)
+        inst->FinishBlock();
     if (!CollectOutputs(block))
         return false;
     IdleEditor();

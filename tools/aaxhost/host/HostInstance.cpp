@@ -174,7 +174,47 @@ void CHostInstance::PrepareBlock(int64_t blockStart, int32_t frames, const std::
             node->SetBufferPackets({});
         }
     }
-    std::fill(mOutputData.begin(), mOutputData.end(), 0.0f);
+    if (mOutputUse.size() != mOutputPtrs.size())
+        mOutputUse.assign(mOutputPtrs.size(), EOutputUse::kUnknown);
+    FinishBlock();  // for a caller that skipped it
+    for (size_t ch = 0; ch < mOutputPtrs.size(); ++ch) {
+        float* out = mOutputPtrs[ch];
+        if (mOutputUse[ch] == EOutputUse::kCleared)
+            std::fill(out, out + frames, 0.0f);
+        else if (mOutputUse[ch] == EOutputUse::kUnknown)
+            std::fill(out, out + frames, OutputMark());
+    }
+    mMarkedFrames = frames;
+}
+
+float CHostInstance::OutputMark()
+{
+    // A quiet NaN with a payload no arithmetic produces.
+    const uint32_t bits = 0x7FC0DEADu;
+    float mark;
+    std::memcpy(&mark, &bits, sizeof mark);
+    return mark;
+}
+
+void CHostInstance::FinishBlock()
+{
+    if (mMarkedFrames <= 0)
+        return;
+    const float mark = OutputMark();
+    for (size_t ch = 0; ch < mOutputPtrs.size(); ++ch) {
+        if (mOutputUse[ch] != EOutputUse::kUnknown)
+            continue;
+        float* out = mOutputPtrs[ch];
+        bool untouched = false;
+        for (int32_t i = 0; i < mMarkedFrames; ++i) {
+            if (std::memcmp(&out[i], &mark, sizeof mark) == 0) {
+                out[i] = 0.0f;
+                untouched = true;
+            }
+        }
+        mOutputUse[ch] = untouched ? EOutputUse::kCleared : EOutputUse::kWritten;
+    }
+    mMarkedFrames = 0;
 }
 
 const CHostMidiNode* CHostInstance::MidiOut() const

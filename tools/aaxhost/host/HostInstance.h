@@ -36,8 +36,13 @@ public:
     bool Create(std::string& error);
 
     // Before a buffer: coefficients, posted packets into their fields, MIDI
-    // input, buffer length and cleared outputs.
+    // input, buffer length, and the outputs the plug-in does not write
+    // cleared (in the first buffer each output is marked instead).
     void PrepareBlock(int64_t blockStart, int32_t frames, const std::vector<AAX_CMidiPacket>& midiIn);
+    // After the process call: outputs of the first buffer that the plug-in
+    // left (partly) unwritten are cleared, and from then on cleared before
+    // every buffer; the ones it wrote are left to it.
+    void FinishBlock();
 
     void* Context() { return mSlots.data(); }
     float* Input(int ch) { return mInputPtrs[static_cast<size_t>(ch)]; }
@@ -86,6 +91,10 @@ private:
     std::vector<SFieldBlock> mFieldBlocks;
     std::vector<float> mInputData, mOutputData;
     std::vector<float*> mInputPtrs, mOutputPtrs;
+    enum class EOutputUse : char { kUnknown, kWritten, kCleared };
+    static float OutputMark();
+    std::vector<EOutputUse> mOutputUse;  // per output channel
+    int32_t mMarkedFrames = 0;           // marked samples awaiting FinishBlock
     int32_t mBufferLength = 0;
     float mSampleRateField = 0.0f;
     int64_t mClock = 0;
