@@ -2,6 +2,7 @@
 # bundle's resource folder under the name the wrapper looks for.
 #   -DSOURCE_FILE=<text file holding the plug-in's file or folder>
 #   -DDEST=<Resources folder>  -DFILE_NAME=<Name>.<ext>
+#   -DSTAMP=<file remembering which plug-in was copied last>
 file(READ "${SOURCE_FILE}" SOURCE)
 string(STRIP "${SOURCE}" SOURCE)
 if(SOURCE STREQUAL "")
@@ -27,6 +28,14 @@ if(NOT IS_DIRECTORY "${_source}")
 endif()
 
 set(_target "${DEST}/${FILE_NAME}")
+# A plain library already copied from the same place, and not changed since,
+# stays; a bundle folder is copied again (its library may be renamed below).
+if(DEFINED STAMP AND EXISTS "${STAMP}" AND EXISTS "${_target}" AND NOT IS_DIRECTORY "${_source}")
+  file(READ "${STAMP}" _copiedFrom)
+  if(_copiedFrom STREQUAL _source AND NOT "${_source}" IS_NEWER_THAN "${_target}")
+    return()
+  endif()
+endif()
 file(REMOVE_RECURSE "${_target}")
 file(MAKE_DIRECTORY "${DEST}")
 if(IS_DIRECTORY "${_source}")
@@ -44,4 +53,7 @@ if(IS_DIRECTORY "${_source}")
   endif()
 else()
   file(COPY_FILE "${_source}" "${_target}")
+endif()
+if(DEFINED STAMP)
+  file(WRITE "${STAMP}" "${_source}")
 endif()

@@ -43,10 +43,10 @@ endfunction()
 
 # Run once the whole tree is configured, so VST_PLUGIN may name a target that
 # is defined after the wrapper. Writes the plug-in's path (or nothing) into
-# sourceFile at generate time; the post-build step reads it from there.
+# sourceFile at generate time; the copy step reads it from there.
 function(_aaxw_resolve_plugin target plugin sourceDir sourceFile)
   if(TARGET "${plugin}")
-    add_dependencies(${target} ${plugin})
+    add_dependencies(${target}_copy_plugin ${plugin})
     set(_source "$<TARGET_FILE:${plugin}>")
   else()
     get_filename_component(_source "${plugin}" ABSOLUTE BASE_DIR "${sourceDir}")
@@ -171,11 +171,14 @@ function(add_aax_wrapper target)
     cmake_language(EVAL CODE "
       cmake_language(DEFER DIRECTORY [[${CMAKE_SOURCE_DIR}]] CALL _aaxw_resolve_plugin
         [[${target}]] [[${AW_VST_PLUGIN}]] [[${CMAKE_CURRENT_SOURCE_DIR}]] [[${_sourceFile}]])")
-    add_custom_command(TARGET ${target} POST_BUILD
+    # Run at every build, not only when the bundle relinks: a rebuilt or
+    # replaced plug-in must reach the bundle (the script skips an unchanged file).
+    add_custom_target(${target}_copy_plugin ALL
       COMMAND "${CMAKE_COMMAND}" "-DSOURCE_FILE=${_sourceFile}" "-DDEST=${_contents}/Resources"
-              "-DFILE_NAME=${AW_NAME}.${AW_EXTENSION}"
+              "-DFILE_NAME=${AW_NAME}.${AW_EXTENSION}" "-DSTAMP=${CMAKE_CURRENT_BINARY_DIR}/${target}_vst_plugin.stamp"
               -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/AAXWrapperCopyPlugin.cmake"
       COMMENT "Copying the VST plug-in into ${AW_NAME}.aaxplugin"
       VERBATIM)
+    add_dependencies(${target} ${target}_copy_plugin)
   endif()
 endfunction()

@@ -17,6 +17,7 @@
 
 #include "AllocationCounter.h"
 #include "BenchRig.h"
+#include "BenchState.h"
 #include "PeakMemory.h"
 
 namespace BenchProcess {
@@ -278,6 +279,7 @@ int main(int argc, char** argv)
     if (std::strlen(BENCH_VST3_STD_BUNDLE) > 0)
         bundles.push_back({"vst3-standard", BENCH_VST3_STD_BUNDLE});
     RegisterAll(bundles);
+    RegisterStateBenchmarks(BENCH_PROBE_BUNDLE);
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

@@ -1,5 +1,6 @@
 #include "ProbePlugin.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -82,7 +83,9 @@ CProbe::CProbe(audioMasterCallback host, const char* entryName) : mHost(host)
     mEffect.getParameter = &GetParameterProc;
     mEffect.processReplacing = &ProcessReplacingProc;
     mEffect.numPrograms = kNumPrograms;
-    mEffect.numParams = kNumParams;
+    // A plug-in with very many parameters, for set-up timing.
+    mExtraParams.assign(static_cast<size_t>(std::clamp(EnvInteger("VST2PROBE_EXTRA_PARAMS", 0), 0L, 100000L)), 0.5f);
+    mEffect.numParams = kNumParams + static_cast<VstInt32>(mExtraParams.size());
     mEffect.numInputs = kNumInputs;
     mEffect.numOutputs = static_cast<VstInt32>(EnvInteger("VST2PROBE_OUTPUTS", kNumOutputs));
     mEffect.flags = effFlagsHasEditor | effFlagsCanReplacing | effFlagsProgramChunks | effFlagsIsSynth;
@@ -130,6 +133,8 @@ VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, voi
     case effGetParamName:
         if (index >= 0 && index < kNumParams)
             CopyText(ptr, kVstMaxProgNameLen, kParamNames[index]);
+        else if (index >= kNumParams && index < mEffect.numParams && ptr != nullptr)
+            std::snprintf(static_cast<char*>(ptr), kVstMaxProgNameLen, "Extra %d", index - kNumParams);
         return 0;
     case effGetParamLabel: CopyText(ptr, kVstMaxParamStrLen, "u"); return 0;
     case effGetParamDisplay:
@@ -284,12 +289,16 @@ void CProbe::SetParameter(VstInt32 index, float value)
     mRecorder.Line("setParameter %d %g", index, static_cast<double>(value));
     if (index >= 0 && index < kNumParams)
         mParams[index] = value;
+    else if (index >= kNumParams && index < mEffect.numParams)
+        mExtraParams[static_cast<size_t>(index - kNumParams)] = value;
 }
 
 float CProbe::GetParameter(VstInt32 index)
 {
     if (index == 1 && EnvInteger("VST2PROBE_NAN_PARAMETER", 0) != 0)
         return std::numeric_limits<float>::quiet_NaN();
+    if (index >= kNumParams && index < mEffect.numParams)
+        return mExtraParams[static_cast<size_t>(index - kNumParams)];
     return index >= 0 && index < kNumParams ? mParams[index] : 0.0f;
 }
 
@@ -298,11 +307,16 @@ VstIntPtr CProbe::GetChunk(void** data)
     if (data == nullptr)
         return 0;
     const long pad = EnvInteger("VST2PROBE_CHUNK_PAD", 0);
-    mChunk.assign(kChunkCoreSize + static_cast<size_t>(pad > 0 ? pad : 0), 0);
+    const size_t size = kChunkCoreSize + static_cast<size_t>(pad > 0 ? pad : 0);
+    // The padding is made once per size: a benchmark then measures the
+    // host's copying, not this plug-in's.
+    if (mChunk.size() != size) {
+        mChunk.assign(size, 0);
+        for (size_t i = kChunkCoreSize; i < mChunk.size(); ++i)
+            mChunk[i] = static_cast<unsigned char>(i & 0xFF);
+    }
     std::memcpy(mChunk.data(), kChunkMagic, 4);
     std::memcpy(mChunk.data() + 4, mParams, sizeof(mParams));
-    for (size_t i = kChunkCoreSize; i < mChunk.size(); ++i)
-        mChunk[i] = static_cast<unsigned char>(i & 0xFF);
     *data = mChunk.data();
     return static_cast<VstIntPtr>(mChunk.size());
 }

@@ -56,6 +56,7 @@ private:
     audioMasterCallback mHost;
     CRecorder mRecorder;
     float mParams[kNumParams] = {0.5f, 0.25f, 0.75f, 0.0f};
+    std::vector<float> mExtraParams;  // VST2PROBE_EXTRA_PARAMS more, after the four
     int mProgram = 0;
     std::vector<unsigned char> mChunk;
     ERect mRect{0, 0, 150, 300};
