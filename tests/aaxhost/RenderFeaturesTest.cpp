@@ -195,3 +195,20 @@ TEST(Render, TransportReachesThePluginEveryBuffer)
         EXPECT_EQ(times[k].rfind(expected, 0), 0u) << times[k] << "\nexpected " << expected;
     }
 }
+
+// aaxhost clears only the outputs a plug-in leaves unwritten, and finds out
+// again when the host sets a parameter: the bypass copies 32 channels, so
+// the last stem's pair must fall silent, not repeat its last buffer.
+TEST(Render, BypassSwitchedOnMidRenderLeavesTheUncopiedStemSilent)
+{
+    const std::string dir = TempDir("bypass-mid");
+    const SRunResult r = RunHost({"render", kProbe, "--seconds", "0.2", "--block", "64", "--test-input", "--set",
+                                  "MasterBypassID=1@0.1", "--out", dir + "/main.wav", "--stems", dir + "/stems"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto stem = ReadWavChannels(dir + "/stems/OutputStem_15.wav");
+    ASSERT_EQ(stem.size(), 2u);
+    const size_t switched = 4800 + 64;  // the buffer after 0.1 s at 48 kHz
+    EXPECT_FLOAT_EQ(stem[0][100], ProbeLevel(32)) << "the probe writes the pair before the bypass";
+    for (size_t c = 0; c < 2; ++c)
+        EXPECT_EQ(Peak(std::vector<float>(stem[c].begin() + static_cast<long>(switched), stem[c].end())), 0.0) << c;
+}

@@ -230,6 +230,9 @@ AAX_Result CHostInstance::SetParameter(const std::string& id, double value)
     mController->SetHostIsSetting(true);
     const AAX_Result r = mEffect->SetParameterNormalizedValue(id.c_str(), value);
     mController->SetHostIsSetting(false);
+    // A new value (the master bypass above all) may change which outputs the
+    // plug-in writes: the next buffer finds out again.
+    mOutputUse.assign(mOutputUse.size(), EOutputUse::kUnknown);
     return r;
 }
 

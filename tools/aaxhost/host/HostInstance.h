@@ -41,7 +41,8 @@ public:
     void PrepareBlock(int64_t blockStart, int32_t frames, const std::vector<AAX_CMidiPacket>& midiIn);
     // After the process call: outputs of the first buffer that the plug-in
     // left (partly) unwritten are cleared, and from then on cleared before
-    // every buffer; the ones it wrote are left to it.
+    // every buffer; the ones it wrote are left to it. A parameter set by the
+    // host starts the finding out again.
     void FinishBlock();
 
     void* Context() { return mSlots.data(); }
