@@ -71,9 +71,9 @@ private:
 
     IFakeHost* mFakeHost = nullptr;
     std::string mPluginPath;   // what the file search found; empty when nothing
-    std::string mLoadError;
+    std::string mLoadError;    // why the plug-in is not running; empty when it is
     std::string mPluginVendor;   // as the plug-in reports them, once loaded
-    std::string mPluginVersion;    // why the plug-in is not running; empty when it is
+    std::string mPluginVersion;
     // STANDARD: AAX identifiers are the plug-in's parameter tags; the last
     // value sent to or received from each parameter, by index (NaN: none
     // yet). Atomic because VST 2 plug-ins may report edits from the audio
