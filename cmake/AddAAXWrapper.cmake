@@ -158,7 +158,7 @@ function(add_aax_wrapper target)
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${_map}")
     # A missing symbol should fail the build, not the host's dlopen. Sanitizer
     # runtimes live in the host executable, so the check is off for them.
-    if(AAXW_SANITIZER STREQUAL "")
+    if("${AAXW_SANITIZER}" STREQUAL "")
       target_link_options(${target} PRIVATE "LINKER:--no-undefined")
     endif()
   endif()
