@@ -174,9 +174,9 @@ void CHostInstance::PrepareBlock(int64_t blockStart, int32_t frames, const std::
             node->SetBufferPackets({});
         }
     }
-    if (mOutputUse.size() != mOutputPtrs.size())
-        mOutputUse.assign(mOutputPtrs.size(), EOutputUse::kUnknown);
     FinishBlock();  // for a caller that skipped it
+    if (mOutputUse.size() != mOutputPtrs.size() || mOutputsChanged.exchange(false, std::memory_order_acquire))
+        mOutputUse.assign(mOutputPtrs.size(), EOutputUse::kUnknown);
     for (size_t ch = 0; ch < mOutputPtrs.size(); ++ch) {
         float* out = mOutputPtrs[ch];
         if (mOutputUse[ch] == EOutputUse::kCleared)
@@ -231,8 +231,9 @@ AAX_Result CHostInstance::SetParameter(const std::string& id, double value)
     const AAX_Result r = mEffect->SetParameterNormalizedValue(id.c_str(), value);
     mController->SetHostIsSetting(false);
     // A new value (the master bypass above all) may change which outputs the
-    // plug-in writes: the next buffer finds out again.
-    mOutputUse.assign(mOutputUse.size(), EOutputUse::kUnknown);
+    // plug-in writes: the next buffer finds out again. Only asked for here,
+    // since buffers may be prepared on another thread.
+    mOutputsChanged.store(true, std::memory_order_release);
     return r;
 }
 

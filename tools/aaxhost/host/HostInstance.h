@@ -3,6 +3,7 @@
 // from the registered fields, with the buffers behind it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -96,6 +97,7 @@ private:
     static float OutputMark();
     std::vector<EOutputUse> mOutputUse;  // per output channel
     int32_t mMarkedFrames = 0;           // marked samples awaiting FinishBlock
+    std::atomic<bool> mOutputsChanged{false};  // set by SetParameter, taken by PrepareBlock
     int32_t mBufferLength = 0;
     float mSampleRateField = 0.0f;
     int64_t mClock = 0;
