@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <iomanip>
@@ -57,7 +58,14 @@ CLog::~CLog()
 
 void CLog::publishTable(std::unique_ptr<CategoryTable> table)
 {
-    mCategories.store(table.get(), std::memory_order_release);
+    int lowest = kLogLevelCount;
+    for (const auto& entry : *table)
+        lowest = std::min(lowest, static_cast<int>(entry.second));
+    // Lowered before the new table is seen, raised only after it is.
+    if (lowest < mLowestLevel.load(std::memory_order_relaxed))
+        mLowestLevel.store(lowest, std::memory_order_seq_cst);
+    mCategories.store(table.get(), std::memory_order_seq_cst);
+    mLowestLevel.store(lowest, std::memory_order_seq_cst);
     mTables.push_back(std::move(table));
 }
 
@@ -75,6 +83,8 @@ bool CLog::getCategoryLevel(const char* category, ELogLevel& out) const
 
 bool CLog::isRecorded(const char* category, ELogLevel level) const
 {
+    if (static_cast<int>(level) < mLowestLevel.load(std::memory_order_relaxed))
+        return false;
     ELogLevel configured = kLogAssert;
     return IsValidLevel(level) && getCategoryLevel(category, configured) && level >= configured;
 }

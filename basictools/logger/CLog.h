@@ -92,6 +92,10 @@ private:
     // Readers follow the atomic pointer without a lock; every table ever
     // published stays alive until the log is destroyed.
     std::atomic<const CategoryTable*> mCategories{nullptr};
+    // The lowest level any category records (kLogLevelCount: none), so that
+    // the common "too low for every category" test skips the table lookup.
+    // Never above the level of the table a reader sees.
+    std::atomic<int> mLowestLevel{kLogLevelCount};
     std::vector<std::unique_ptr<CategoryTable>> mTables;
     std::mutex mReloadMutex;
     std::string mOutputFileName;

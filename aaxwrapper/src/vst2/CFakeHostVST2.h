@@ -2,6 +2,8 @@
 // calls to the host, and translates between the AAX side and the effect.
 #pragma once
 
+#include <pthread.h>
+
 #include <atomic>
 #include <string>
 #include <vector>
@@ -64,7 +66,13 @@ public:
 private:
     VstIntPtr Dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
                        void* ptr = nullptr, float opt = 0.0f);
-    void RefreshTimeInfo(S_Alg_Context* context);
+    // CLASSIC: a new host rate restarts the effect before the buffer.
+    void ApplyContextRate(S_Alg_Context* context);
+    // The time info is filled from the transport only when the effect asks
+    // for it (audioMasterGetTime) from the processing thread, once per buffer
+    // or slice: an effect that never asks costs no transport calls.
+    void MarkTimeInfoStale(S_Alg_Context* context, int32_t start);
+    void FillTimeInfo();
     void PushInputEvents(S_Alg_Context* context);
     VstIntPtr StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt, bool& handled);
 
@@ -73,7 +81,6 @@ private:
     void Configure(double sampleRate);
     void ProcessStandard(S_Alg_Context* context);
     void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames);
-    void RefreshTimeInfoStandard(S_Alg_Context* context, int32_t start);
     void PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
     VstIntPtr ForwardOutputEvents(void* ptr);
     VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
@@ -86,6 +93,10 @@ private:
     AAX_IViewContainer* viewContainer = nullptr;
     bool needsResize = true;
     S_Alg_Context* currentContext = nullptr;
+    // Time info owed for the current buffer or slice (processing thread only).
+    std::atomic<pthread_t> mProcessThread{};
+    bool mTimeStale = false;
+    int32_t mTimeStart = 0;
     // False when the effect declares more channels than the host's context
     // carries; it is then not processed rather than let run past the arrays.
     bool mChannelsFit = true;

@@ -62,6 +62,9 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
         return 0;
     }
     case audioMasterGetTime:
+        // Other threads get the values of the last buffer, as before.
+        if (pthread_equal(pthread_self(), mProcessThread.load(std::memory_order_relaxed)) && mTimeStale)
+            FillTimeInfo();
         return reinterpret_cast<VstIntPtr>(&timeInfo);
     case audioMasterProcessEvents:
         return ForwardOutputEvents(ptr);

@@ -15,6 +15,12 @@
 namespace {
 // 1/127, truncated so that only a full velocity gives 1.
 constexpr double kVelocityScale = 0.007874016;
+
+// Outside a buffer the effect gets the last values it could have asked for.
+struct STimeInfoOwed {
+    bool& stale;
+    ~STimeInfoOwed() { stale = false; }
+};
 }  // namespace
 
 void CFakeHostVST2::Process(S_Alg_Context* context)
@@ -26,9 +32,10 @@ void CFakeHostVST2::Process(S_Alg_Context* context)
         ProcessStandard(context);
         return;
     }
-    currentContext = context;
     MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
-    RefreshTimeInfo(context);
+    ApplyContextRate(context);
+    MarkTimeInfoStale(context, 0);
+    STimeInfoOwed owed{mTimeStale};
     PushInputEvents(context);
     if (effect->processReplacing == nullptr || context->mBufferLength == nullptr || context->mOutputs == nullptr)
         return;
@@ -43,29 +50,44 @@ void CFakeHostVST2::Process(S_Alg_Context* context)
                              *context->mBufferLength);
 }
 
-void CFakeHostVST2::RefreshTimeInfo(S_Alg_Context* context)
+void CFakeHostVST2::ApplyContextRate(S_Alg_Context* context)
 {
-    timeInfo.flags = kVstPpqPosValid | kVstTempoValid | kVstTimeSigValid;
-
-    if (context->mSampleRate != nullptr) {
-        const double rate = static_cast<double>(*context->mSampleRate);
-        // A NaN compares unequal to everything, so it always counts as a change.
-        if (!(rate == timeInfo.sampleRate)) {
-            timeInfo.sampleRate = rate;
-            Dispatch(effMainsChanged, 0, 0);
-            Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
-            Dispatch(effMainsChanged, 0, 1);
-        }
+    if (context->mSampleRate == nullptr)
+        return;
+    const double rate = static_cast<double>(*context->mSampleRate);
+    // A NaN compares unequal to everything, so it always counts as a change.
+    if (!(rate == timeInfo.sampleRate)) {
+        timeInfo.sampleRate = rate;
+        Dispatch(effMainsChanged, 0, 0);
+        Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
+        Dispatch(effMainsChanged, 0, 1);
     }
+}
 
-    AAX_ITransport* transport =
-        context->mMidiTransport != nullptr ? context->mMidiTransport->GetTransport() : nullptr;
+void CFakeHostVST2::MarkTimeInfoStale(S_Alg_Context* context, int32_t start)
+{
+    currentContext = context;
+    mTimeStart = start;
+    mTimeStale = true;
+    const pthread_t self = pthread_self();
+    if (!pthread_equal(self, mProcessThread.load(std::memory_order_relaxed)))
+        mProcessThread.store(self, std::memory_order_relaxed);
+}
+
+void CFakeHostVST2::FillTimeInfo()
+{
+    mTimeStale = false;
+    timeInfo.flags = kVstPpqPosValid | kVstTempoValid | kVstTimeSigValid;
+    if (IsStandard())
+        timeInfo.sampleRate = mSampleRate;
+    AAX_IMIDINode* node = currentContext != nullptr ? currentContext->mMidiTransport : nullptr;
+    AAX_ITransport* transport = node != nullptr ? node->GetTransport() : nullptr;
     if (transport == nullptr)
         return;
 
     int64_t sampleLocation = 0;
     transport->GetCurrentNativeSampleLocation(&sampleLocation);
-    timeInfo.samplePos = static_cast<double>(sampleLocation);
+    timeInfo.samplePos = static_cast<double>(sampleLocation + mTimeStart);
 
     double tempo = 0.0;
     transport->GetCurrentTempo(&tempo);
@@ -80,6 +102,9 @@ void CFakeHostVST2::RefreshTimeInfo(S_Alg_Context* context)
     int64_t ticks = 0;
     transport->GetCurrentTickPosition(&ticks);
     timeInfo.ppqPos = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
+    // A slice starts later than the host's buffer (STANDARD only).
+    if (mTimeStart > 0)
+        timeInfo.ppqPos += static_cast<double>(mTimeStart) / mSampleRate * tempo / 60.0;
 
     bool playing = false;
     transport->IsTransportPlaying(&playing);
@@ -126,7 +151,6 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         return;
     }
     Morvane::CProcessGateLeave leave(mGate);  // also when the plug-in throws
-    currentContext = context;
     MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
     if (context->mSampleRate != nullptr) {
         const double rate = static_cast<double>(*context->mSampleRate);
@@ -148,7 +172,8 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
 void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames)
 {
     const int32_t total = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
-    RefreshTimeInfoStandard(context, start);
+    MarkTimeInfoStale(context, start);
+    STimeInfoOwed owed{mTimeStale};
     PushSliceEvents(context, start, frames, start + frames >= total);
     float** inputs = const_cast<float**>(context->mInputs);
     float** outputs = const_cast<float**>(context->mOutputs);
@@ -162,35 +187,6 @@ void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t 
     }
     if (frames > 0)
         effect->processReplacing(effect, inputs, outputs, frames);
-}
-
-void CFakeHostVST2::RefreshTimeInfoStandard(S_Alg_Context* context, int32_t start)
-{
-    timeInfo.flags = kVstPpqPosValid | kVstTempoValid | kVstTimeSigValid;
-    timeInfo.sampleRate = mSampleRate;
-    AAX_ITransport* transport =
-        context->mMidiTransport != nullptr ? context->mMidiTransport->GetTransport() : nullptr;
-    if (transport == nullptr)
-        return;
-    int64_t sampleLocation = 0;
-    transport->GetCurrentNativeSampleLocation(&sampleLocation);
-    timeInfo.samplePos = static_cast<double>(sampleLocation + start);
-    double tempo = 0.0;
-    transport->GetCurrentTempo(&tempo);
-    timeInfo.tempo = tempo;
-    int32_t numerator = 0;
-    int32_t denominator = 0;
-    transport->GetCurrentMeter(&numerator, &denominator);
-    timeInfo.timeSigNumerator = numerator;
-    timeInfo.timeSigDenominator = denominator;
-    int64_t ticks = 0;
-    transport->GetCurrentTickPosition(&ticks);
-    timeInfo.ppqPos = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter) +
-                      static_cast<double>(start) / mSampleRate * tempo / 60.0;
-    bool playing = false;
-    transport->IsTransportPlaying(&playing);
-    if (playing)
-        timeInfo.flags |= kVstTransportPlaying;
 }
 
 // STANDARD: every event of the slice in one list, in time order, each a

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+
+#include "AlignedChannels.h"
 #include "ResultText.h"
 
 namespace AAXHost {
@@ -101,12 +103,8 @@ bool CHostInstance::BuildContext(std::string& error)
     mSlots.assign(static_cast<size_t>(highest) + 1, nullptr);
 
     const size_t block = static_cast<size_t>(mConfig.maxBlock);
-    mInputData.assign(block * static_cast<size_t>(mConfig.inputChannels), 0.0f);
-    mOutputData.assign(block * static_cast<size_t>(mConfig.outputChannels), 0.0f);
-    for (int ch = 0; ch < mConfig.inputChannels; ++ch)
-        mInputPtrs.push_back(mInputData.data() + block * static_cast<size_t>(ch));
-    for (int ch = 0; ch < mConfig.outputChannels; ++ch)
-        mOutputPtrs.push_back(mOutputData.data() + block * static_cast<size_t>(ch));
+    mInputPtrs = AlignedChannels(mInputData, static_cast<size_t>(mConfig.inputChannels), block);
+    mOutputPtrs = AlignedChannels(mOutputData, static_cast<size_t>(mConfig.outputChannels), block);
     mSampleRateField = static_cast<float>(mConfig.sampleRate);
 
     // Field blocks are all sized before any address is taken.

@@ -73,6 +73,11 @@ public:
 
     int BlockSize() const { return mBlockSize; }
     int Instances() const { return static_cast<int>(mInstances.size()); }
+    // Instance i's output channel as the last buffer left it.
+    const float* Output(int instance, int channel) const
+    {
+        return mInstances[static_cast<size_t>(instance)]->Output(channel);
+    }
     // Peak of the main output of instance 0 in the last buffer.
     float MainPeak() const;
     // Every instance's first `channels` inputs (or outputs) set to value,
