@@ -81,10 +81,8 @@ bool CLog::getCategoryLevel(const char* category, ELogLevel& out) const
     return true;
 }
 
-bool CLog::isRecorded(const char* category, ELogLevel level) const
+bool CLog::isRecordedInTable(const char* category, ELogLevel level) const
 {
-    if (static_cast<int>(level) < mLowestLevel.load(std::memory_order_relaxed))
-        return false;
     ELogLevel configured = kLogAssert;
     return IsValidLevel(level) && getCategoryLevel(category, configured) && level >= configured;
 }

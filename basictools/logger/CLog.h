@@ -51,7 +51,13 @@ public:
                      const char* category, const Parts&... parts);
 
     // Neither allocates: safe to call before formatting on the audio thread.
-    bool isRecorded(const char* category, ELogLevel level) const;
+    // The level test is inline: a line below every category's level (the
+    // usual debug line) then costs a load and a compare.
+    bool isRecorded(const char* category, ELogLevel level) const
+    {
+        return static_cast<int>(level) >= mLowestLevel.load(std::memory_order_relaxed) &&
+               isRecordedInTable(category, level);
+    }
     bool getCategoryLevel(const char* category, ELogLevel& out) const;
 
     void checkAndRecordLog(const char* category, ELogLevel level, const std::ostringstream& stream);
@@ -86,6 +92,7 @@ private:
     void queueLine(const char* line, size_t length);
     void assertFailed(const char* category, const char* exprText);
     void publishTable(std::unique_ptr<CategoryTable> table);
+    bool isRecordedInTable(const char* category, ELogLevel level) const;
 
     CLogBuffers mBuffers;
     std::atomic<ILogRecordListener*> mListener{nullptr};

@@ -2,7 +2,7 @@
 // bundle in the same run, outputs compared, per-buffer cost of both sides.
 //   bench_overhead [--instructions] [Google Benchmark flags]
 // --instructions counts instructions (a hardware counter, or callgrind when
-// the program runs under it) instead of CPU time.
+// the program runs under it) instead of time.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -103,8 +103,8 @@ int main(int argc, char** argv)
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
 
-    const bool ok = PrintOverheadTable(stdout, Rows(), instructions ? "instructions" : "CPU ns",
-                                       instructions ? counter.Source() : "thread CPU time, quickest of 9 rounds");
+    const bool ok = PrintOverheadTable(stdout, Rows(), instructions ? "instructions" : "ns",
+                                       instructions ? counter.Source() : "steady clock, quickest of 9 rounds");
     std::string error;
     if (!BenchProcess::CloseSessions(error)) {
         std::fprintf(stderr, "bench_overhead: %s", error.c_str());

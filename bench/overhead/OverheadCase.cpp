@@ -1,8 +1,7 @@
 #include "OverheadCase.h"
 
-#include <time.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -28,15 +27,15 @@ int BuffersPerRound(const SCase& c, bool instructions)
     const int instanceBuffers = instructions ? 256 : 512;
     return std::max(2, instanceBuffers / c.instances);
 }
-// CPU time is read in rounds and the quickest round kept: on a shared
-// machine the others carry the noise of other processes.
+// Time is read in rounds and the quickest round kept: on a shared machine
+// the others carry the noise of other processes.
 int Rounds(bool instructions) { return instructions ? 1 : 9; }
 
-double CpuNanoseconds()
+// The monotonic clock, read without a system call: the thread CPU clock is
+// too coarse here for calls of a microsecond.
+double Nanoseconds()
 {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return 1e9 * static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec);
+    return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 // What reading the clock twice costs, taken off every timed call.
@@ -44,18 +43,18 @@ double ClockPairNanoseconds()
 {
     static const double cost = [] {
         constexpr int kPairs = 20000;
-        const double begin = CpuNanoseconds();
+        const double begin = Nanoseconds();
         for (int i = 0; i < kPairs; ++i) {
-            volatile double a = CpuNanoseconds();
+            volatile double a = Nanoseconds();
             (void)a;
         }
-        return (CpuNanoseconds() - begin) / kPairs;
+        return (Nanoseconds() - begin) / kPairs;
     }();
     return cost;
 }
 
 // Measures one side's calls: instructions when a counter is given, else
-// the thread's CPU time.
+// time.
 class CMeter {
 public:
     explicit CMeter(CInstructionCounter* counter) : mCounter(counter) {}
@@ -76,9 +75,9 @@ public:
             mCounter->Stop();
             return;
         }
-        const double start = CpuNanoseconds();
+        const double start = Nanoseconds();
         call();
-        mNanoseconds += CpuNanoseconds() - start - ClockPairNanoseconds();
+        mNanoseconds += Nanoseconds() - start - ClockPairNanoseconds();
     }
     bool PerCall(double& figure, std::string& error)
     {

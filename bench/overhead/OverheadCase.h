@@ -34,8 +34,8 @@ constexpr int kEventsPerBuffer = 8;
 struct SCaseResult {
     bool ok = false;
     std::string error;
-    // Per buffer, all instances together: instructions, or thread CPU
-    // nanoseconds when no counter is given.
+    // Per buffer, all instances together: instructions, or nanoseconds when
+    // no counter is given.
     double direct = 0.0;
     double wrapped = 0.0;
     std::string outputs;     // "identical", or how and why they differ
@@ -43,7 +43,7 @@ struct SCaseResult {
     double peakDb = 0.0;     // main output of instance 0, direct side
 };
 
-// counter == nullptr: CPU time.
+// counter == nullptr: time.
 SCaseResult RunCase(const SCase& c, CInstructionCounter* counter);
 
 }  // namespace BenchOverhead

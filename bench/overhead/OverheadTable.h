@@ -14,7 +14,7 @@ struct SCaseRow {
     SCaseResult result;
 };
 
-// unit: "instructions" or "ns" (CPU time). Returns false when a case failed
+// unit: "instructions" or "ns". Returns false when a case failed
 // or two outputs differ without a stated reason.
 bool PrintOverheadTable(std::FILE* out, const std::vector<SCaseRow>& rows, const char* unit, const char* source);
 

@@ -71,7 +71,13 @@ private:
     // The time info is filled from the transport only when the effect asks
     // for it (audioMasterGetTime) from the processing thread, once per buffer
     // or slice: an effect that never asks costs no transport calls.
-    void MarkTimeInfoStale(S_Alg_Context* context, int32_t start);
+    void MarkTimeInfoStale(S_Alg_Context* context, int32_t start)
+    {
+        currentContext = context;
+        mTimeStart = start;
+        mTimeStale = true;
+        mProcessThread.store(pthread_self(), std::memory_order_relaxed);
+    }
     void FillTimeInfo();
     void PushInputEvents(S_Alg_Context* context);
     VstIntPtr StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt, bool& handled);

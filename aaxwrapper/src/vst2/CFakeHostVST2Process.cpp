@@ -16,6 +16,17 @@ namespace {
 // 1/127, truncated so that only a full velocity gives 1.
 constexpr double kVelocityScale = 0.007874016;
 
+// A packet's data bytes keeping only the first `length` (at most 4), in
+// one copy rather than a byte loop: this runs for every event.
+void CopyDataBytes(const AAX_CMidiPacket& packet, uint32_t length, char (&to)[4])
+{
+    static constexpr uint32_t kKeep[5] = {0u, 0xFFu, 0xFFFFu, 0xFFFFFFu, 0xFFFFFFFFu};  // little-endian
+    uint32_t bytes = 0;
+    std::memcpy(&bytes, packet.mData, sizeof(bytes));
+    bytes &= kKeep[length < 4 ? length : 4];
+    std::memcpy(to, &bytes, sizeof(bytes));
+}
+
 // Outside a buffer the effect gets the last values it could have asked for.
 struct STimeInfoOwed {
     bool& stale;
@@ -62,16 +73,6 @@ void CFakeHostVST2::ApplyContextRate(S_Alg_Context* context)
         Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
         Dispatch(effMainsChanged, 0, 1);
     }
-}
-
-void CFakeHostVST2::MarkTimeInfoStale(S_Alg_Context* context, int32_t start)
-{
-    currentContext = context;
-    mTimeStart = start;
-    mTimeStale = true;
-    const pthread_t self = pthread_self();
-    if (!pthread_equal(self, mProcessThread.load(std::memory_order_relaxed)))
-        mProcessThread.store(self, std::memory_order_relaxed);
 }
 
 void CFakeHostVST2::FillTimeInfo()
@@ -132,8 +133,7 @@ void CFakeHostVST2::PushInputEvents(S_Alg_Context* context)
         if (packet.mIsImmediate != 0)
             midiEvent->flags |= kVstMidiEventIsRealtime;
         midiEvent->byteSize = static_cast<VstInt32>(packet.mLength);
-        for (int b = 0; b < 4; ++b)
-            midiEvent->midiData[b] = static_cast<char>(packet.mData[b]);
+        CopyDataBytes(packet, 4, midiEvent->midiData);
         midiEvent->noteOffset = packet.mData[1];
         midiEvent->noteOffVelocity = static_cast<char>(static_cast<int>(packet.mData[2] * kVelocityScale));
         midiEvent->deltaFrames = static_cast<VstInt32>(packet.mTimestamp);
@@ -162,7 +162,14 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         if (!mChannelsFit)
             SilenceAllOutputs(*context);
     } else if (frames <= kStandardMaxBlock) {
-        ProcessSlice(context, 0, frames);
+        // The whole buffer in one call, as ProcessSlice would do it for a
+        // first and last slice, written out: this is every buffer's path.
+        MarkTimeInfoStale(context, 0);
+        STimeInfoOwed owed{mTimeStale};
+        PushSliceEvents(context, 0, frames, true);
+        if (frames > 0)
+            effect->processReplacing(effect, const_cast<float**>(context->mInputs),
+                                     const_cast<float**>(context->mOutputs), frames);
     } else {
         for (int32_t start = 0; start < frames; start += kStandardMaxBlock)
             ProcessSlice(context, start, std::min(kStandardMaxBlock, frames - start));
@@ -200,34 +207,44 @@ void CFakeHostVST2::PushSliceEvents(S_Alg_Context* context, int32_t start, int32
     if (stream == nullptr || stream->mBuffer == nullptr || stream->mBufferSize == 0)
         return;
     auto* list = reinterpret_cast<VstEvents*>(mEventList.data());
+    VstEvent** const slots = list->events;
+    VstMidiEvent* const records = mEventRecords.data();
+    // One slice for the whole buffer (the usual case): every stamp is in it.
+    const bool wholeBuffer = start == 0 && lastSlice;
     VstInt32 count = 0;
-    for (uint32_t i = 0; i < stream->mBufferSize && count < kMaxEventsPerBuffer; ++i) {
-        const AAX_CMidiPacket& packet = stream->mBuffer[i];
-        const int64_t offset = static_cast<int64_t>(packet.mTimestamp) - start;
+    VstInt32 previous = 0;
+    bool ordered = true;
+    const AAX_CMidiPacket* const end = stream->mBuffer + stream->mBufferSize;
+    for (const AAX_CMidiPacket* packet = stream->mBuffer; packet < end; ++packet) {
+        const int64_t offset = static_cast<int64_t>(packet->mTimestamp) - start;
         // Late stamps belong to the last slice, as they would to an unsliced buffer.
-        if (offset < 0 || (offset >= frames && !lastSlice))
+        if (!wholeBuffer && (offset < 0 || (offset >= frames && !lastSlice)))
             continue;
-        VstMidiEvent& event = mEventRecords[static_cast<size_t>(count)];
+        if (count == kMaxEventsPerBuffer)
+            break;
+        VstMidiEvent& event = records[count];
         event = VstMidiEvent{};
         event.type = kVstMidiType;
         event.byteSize = sizeof(VstMidiEvent);
         event.deltaFrames = static_cast<VstInt32>(offset);
-        event.flags = packet.mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
-        const uint32_t length = std::min<uint32_t>(packet.mLength, 4);
-        for (uint32_t b = 0; b < length; ++b)
-            event.midiData[b] = static_cast<char>(packet.mData[b]);
-        list->events[count++] = reinterpret_cast<VstEvent*>(&event);
+        event.flags = packet->mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
+        CopyDataBytes(*packet, packet->mLength, event.midiData);
+        ordered = ordered && event.deltaFrames >= previous;
+        previous = event.deltaFrames;
+        slots[count++] = reinterpret_cast<VstEvent*>(&event);
     }
     if (count == 0)
         return;
-    // Insertion sort: stable (events of one time keep their order), nearly
-    // free on the usual already-ordered input, and it allocates nothing.
-    for (VstInt32 i = 1; i < count; ++i) {
-        VstEvent* moving = list->events[i];
-        VstInt32 j = i;
-        for (; j > 0 && list->events[j - 1]->deltaFrames > moving->deltaFrames; --j)
-            list->events[j] = list->events[j - 1];
-        list->events[j] = moving;
+    if (!ordered) {
+        // Insertion sort: stable (events of one time keep their order), and
+        // it allocates nothing.
+        for (VstInt32 i = 1; i < count; ++i) {
+            VstEvent* moving = slots[i];
+            VstInt32 j = i;
+            for (; j > 0 && slots[j - 1]->deltaFrames > moving->deltaFrames; --j)
+                slots[j] = slots[j - 1];
+            slots[j] = moving;
+        }
     }
     list->numEvents = count;
     list->reserved = 0;

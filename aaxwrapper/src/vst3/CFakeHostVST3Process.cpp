@@ -161,9 +161,9 @@ void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::Even
 
 namespace {
 
-// The VST 3 event of a note-on, note-off or poly-pressure message, at the
-// packet's (already rebased) time stamp; false for every other message.
-bool NoteEventOf(const AAX_CMidiPacket& packet, Event& event)
+// The VST 3 event of a note-on, note-off or poly-pressure message, at
+// `offset` in the slice; false for every other message.
+bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
 {
     const uint8_t status = packet.mData[0] & 0xF0;
     const int16 channel = static_cast<int16>(packet.mData[0] & 0x0F);
@@ -171,7 +171,7 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, Event& event)
     const uint8_t data2 = packet.mData[2];
     event = Event{};
     event.busIndex = 0;
-    event.sampleOffset = static_cast<int32>(packet.mTimestamp);
+    event.sampleOffset = offset;
     event.ppqPosition = 0;
     event.flags = packet.mIsImmediate ? Event::kIsLive : 0;
     switch (status) {
@@ -214,22 +214,26 @@ void CFakeHostVST3::PushSliceEvents(const AAX_CMidiStream& stream, int32_t start
 {
     if (!stream.mBuffer || stream.mBufferSize == 0 || !mVst3Loader)
         return;
-    for (uint32_t i = 0; i < stream.mBufferSize; ++i) {
-        AAX_CMidiPacket packet = stream.mBuffer[i];
-        const int64_t offset = static_cast<int64_t>(packet.mTimestamp) - start;
-        if (offset < 0 || (offset >= frames && !lastSlice))
+    // One slice for the whole buffer (the usual case): every stamp is in it.
+    const bool wholeBuffer = start == 0 && lastSlice;
+    const AAX_CMidiPacket* const end = stream.mBuffer + stream.mBufferSize;
+    for (const AAX_CMidiPacket* packet = stream.mBuffer; packet < end; ++packet) {
+        const int64_t offset = static_cast<int64_t>(packet->mTimestamp) - start;
+        if (!wholeBuffer && (offset < 0 || (offset >= frames && !lastSlice)))
             continue;
-        packet.mTimestamp = static_cast<uint32_t>(offset);
-        Event event{};
-        if (NoteEventOf(packet, event)) {
-            // Without an event input bus there is nowhere to put notes.
-            if (events)
-                events->addEvent(event);
+        // Notes are written straight into the list's next record. Without an
+        // event input bus, or with the list full, there is nowhere to put them.
+        Event spare;
+        Event* slot = events ? events->append() : nullptr;
+        if (NoteEventOf(*packet, static_cast<int32>(offset), slot ? *slot : spare))
             continue;
-        }
+        if (slot)
+            events->dropLast();
+        AAX_CMidiPacket rebased = *packet;
+        rebased.mTimestamp = static_cast<uint32_t>(offset);
         SMidiValue point;
-        if (MidiParameterValue(packet, point))
-            SendMidiValue(point, packet.mTimestamp, changes);
+        if (MidiParameterValue(rebased, point))
+            SendMidiValue(point, rebased.mTimestamp, changes);
     }
 }
 
