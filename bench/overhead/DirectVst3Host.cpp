@@ -26,6 +26,9 @@ namespace {
 
 constexpr int32 kClassicMaxBlock = 256;  // the CLASSIC wrapper's announced maximum
 constexpr int32 kEventListSize = 2048;   // as large as the wrapper's
+// Room for a change of every parameter, as a host sizes it from the
+// controller (the wrapper does); more than any of our plug-ins has.
+constexpr int32 kParameterQueues = 128;
 
 struct SInstance {
     IComponent* component = nullptr;
@@ -200,7 +203,7 @@ private:
     HostApplication mHostContext;
     ProcessContext mContext{};
     Morvane::vst3::EventList mEvents{kEventListSize};
-    Morvane::vst3::ParameterChanges mInputChanges, mOutputChanges;
+    Morvane::vst3::ParameterChanges mInputChanges{kParameterQueues}, mOutputChanges{kParameterQueues};
     std::vector<SInstance> mInstances;
 };
 

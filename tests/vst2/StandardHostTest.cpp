@@ -119,3 +119,41 @@ TEST_F(StandardProbe, ARateChangeReachesThePlugInOnTheMainThreadOnly)
     host->ApplyPendingSettings();
     EXPECT_TRUE(Dispatches().empty());  // applied once
 }
+
+TEST_F(StandardProbe, EachSliceAsksForTheTimeOfItsOwnStart)
+{
+    CTestContext ctx(10000, 44100.0f);
+    ctx.mTransport.mTempo = 120.0;
+    ctx.mTransport.mSamplePosition = 44100;
+    ctx.mTransport.mTicks = 2 * 960000;  // one second at 120 bpm
+    record.Clear();
+    host->Process(ctx.Context());
+    std::vector<std::string> positions;
+    for (const std::string& line : record.LinesStartingWith("time "))
+        positions.push_back(line.substr(0, line.find(" tempo=")));
+    // Slices start 4096 samples apart: 4096 / 44100 s at 2 quarters a second.
+    EXPECT_EQ(positions, (std::vector<std::string>{"time samplePos=44100 sampleRate=44100 ppqPos=2.000000",
+                                                   "time samplePos=48196 sampleRate=44100 ppqPos=2.185760",
+                                                   "time samplePos=52292 sampleRate=44100 ppqPos=2.371519"}));
+}
+
+TEST_F(StandardProbe, AnEventCarriesOnlyTheDataBytesItsPacketCounts)
+{
+    CTestContext ctx(64, 44100.0f);
+    // Bytes past the packet's length are left over from earlier use of the
+    // record, as a host may leave them; a length above 4 is corrupt.
+    AAX_CMidiPacket programChange = MidiPacket(1, {0xC0, 5});
+    programChange.mData[2] = 0x7F;
+    programChange.mData[3] = 0x33;
+    AAX_CMidiPacket empty = MidiPacket(2, {});
+    empty.mData[0] = 0x90;
+    AAX_CMidiPacket corrupt = MidiPacket(3, {0x90, 60, 100, 0x11});
+    corrupt.mLength = 9;
+    ctx.mMidiIn.mPackets = {programChange, empty, corrupt};
+    record.Clear();
+    host->Process(ctx.Context());
+    std::vector<std::string> data;
+    for (const std::string& line : record.LinesStartingWith("event "))
+        data.push_back(line.substr(line.find("data="), 16));
+    EXPECT_EQ(data, (std::vector<std::string>{"data=c0 05 00 00", "data=00 00 00 00", "data=90 3c 64 11"}));
+}

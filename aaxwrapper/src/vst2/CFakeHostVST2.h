@@ -79,7 +79,7 @@ private:
         mProcessThread.store(pthread_self(), std::memory_order_relaxed);
     }
     void FillTimeInfo();
-    void PushInputEvents(S_Alg_Context* context);
+    void PushInputEvents(const AAX_CMidiStream& stream);
     VstIntPtr StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt, bool& handled);
 
     // STANDARD: the effect is told the rate and block size on the main thread
@@ -87,7 +87,7 @@ private:
     void Configure(double sampleRate);
     void ProcessStandard(S_Alg_Context* context);
     void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames);
-    void PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
+    void PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice);
     VstIntPtr ForwardOutputEvents(void* ptr);
     VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
 

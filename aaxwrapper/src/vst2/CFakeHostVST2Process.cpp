@@ -8,6 +8,7 @@
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
 #include "fakehost/OutputSilence.h"
+#include "fakehost/PostedMidi.h"
 #include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
@@ -25,6 +26,43 @@ void CopyDataBytes(const AAX_CMidiPacket& packet, uint32_t length, char (&to)[4]
     std::memcpy(&bytes, packet.mData, sizeof(bytes));
     bytes &= kKeep[length < 4 ? length : 4];
     std::memcpy(to, &bytes, sizeof(bytes));
+}
+
+// Every packet of the slice as a complete VstMidiEvent, as the VST 2
+// documentation describes it, at most kMaxEventsPerBuffer; `ordered` is
+// cleared when the stamps are not in time order.
+template <bool kWholeBuffer>
+VstInt32 FillEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
+                    VstMidiEvent* records, VstEvent** slots, bool& ordered)
+{
+    const AAX_CMidiPacket* packet = stream.mBuffer;
+    const AAX_CMidiPacket* const end =
+        packet + (kWholeBuffer ? std::min<uint32_t>(stream.mBufferSize, CFakeHostVST2::kMaxEventsPerBuffer) : stream.mBufferSize);
+    VstMidiEvent* event = records;
+    VstMidiEvent* const full = records + CFakeHostVST2::kMaxEventsPerBuffer;
+    VstInt32 previous = 0;
+    bool inOrder = true;
+    for (; packet < end; ++packet) {
+        const int64_t offset = static_cast<int64_t>(packet->mTimestamp) - start;
+        if (!kWholeBuffer) {
+            // Late stamps belong to the last slice, as they would to an unsliced buffer.
+            if (offset < 0 || (offset >= frames && !lastSlice))
+                continue;
+            if (event == full)
+                break;
+        }
+        *event = VstMidiEvent{};
+        event->type = kVstMidiType;
+        event->byteSize = sizeof(VstMidiEvent);
+        event->deltaFrames = static_cast<VstInt32>(offset);
+        event->flags = packet->mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
+        CopyDataBytes(*packet, packet->mLength, event->midiData);
+        inOrder &= event->deltaFrames >= previous;
+        previous = event->deltaFrames;
+        *slots++ = reinterpret_cast<VstEvent*>(event++);
+    }
+    ordered = inOrder;
+    return static_cast<VstInt32>(event - records);
 }
 
 // Outside a buffer the effect gets the last values it could have asked for.
@@ -47,7 +85,8 @@ void CFakeHostVST2::Process(S_Alg_Context* context)
     ApplyContextRate(context);
     MarkTimeInfoStale(context, 0);
     STimeInfoOwed owed{mTimeStale};
-    PushInputEvents(context);
+    if (const AAX_CMidiStream* midi = PostedMidi(*context))
+        PushInputEvents(*midi);
     if (effect->processReplacing == nullptr || context->mBufferLength == nullptr || context->mOutputs == nullptr)
         return;
     if (!mChannelsFit) {
@@ -113,18 +152,13 @@ void CFakeHostVST2::FillTimeInfo()
         timeInfo.flags |= kVstTransportPlaying;
 }
 
-void CFakeHostVST2::PushInputEvents(S_Alg_Context* context)
+void CFakeHostVST2::PushInputEvents(const AAX_CMidiStream& stream)
 {
-    AAX_IMIDINode* inputNode = context->mMidiIn;
-    if (inputNode == nullptr || midiEvent == nullptr)
+    if (midiEvent == nullptr)
         return;
-    AAX_CMidiStream* stream = inputNode->GetNodeBuffer();
-    if (stream == nullptr || stream->mBuffer == nullptr || stream->mBufferSize == 0)
-        return;
-
-    for (uint32_t i = 0; i < stream->mBufferSize; ++i) {
-        const AAX_CMidiPacket& packet = stream->mBuffer[i];
-        MV_LOG("midi", kLogError, "VST2 > Push Input Event... NdNode = ", static_cast<const void*>(stream));
+    for (uint32_t i = 0; i < stream.mBufferSize; ++i) {
+        const AAX_CMidiPacket& packet = stream.mBuffer[i];
+        MV_LOG("midi", kLogError, "VST2 > Push Input Event... NdNode = ", static_cast<const void*>(&stream));
 
         events.numEvents = 1;
         events.events[0] = reinterpret_cast<VstEvent*>(midiEvent);
@@ -166,7 +200,8 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         // first and last slice, written out: this is every buffer's path.
         MarkTimeInfoStale(context, 0);
         STimeInfoOwed owed{mTimeStale};
-        PushSliceEvents(context, 0, frames, true);
+        if (const AAX_CMidiStream* midi = PostedMidi(*context))
+            PushSliceEvents(*midi, 0, frames, true);
         if (frames > 0)
             effect->processReplacing(effect, const_cast<float**>(context->mInputs),
                                      const_cast<float**>(context->mOutputs), frames);
@@ -181,7 +216,8 @@ void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t 
     const int32_t total = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
     MarkTimeInfoStale(context, start);
     STimeInfoOwed owed{mTimeStale};
-    PushSliceEvents(context, start, frames, start + frames >= total);
+    if (const AAX_CMidiStream* midi = PostedMidi(*context))
+        PushSliceEvents(*midi, start, frames, start + frames >= total);
     float** inputs = const_cast<float**>(context->mInputs);
     float** outputs = const_cast<float**>(context->mOutputs);
     if (start > 0) {
@@ -198,41 +234,18 @@ void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t 
 
 // STANDARD: every event of the slice in one list, in time order, each a
 // complete VstMidiEvent as the VST 2 documentation describes it.
-void CFakeHostVST2::PushSliceEvents(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice)
+void CFakeHostVST2::PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice)
 {
-    AAX_IMIDINode* inputNode = context->mMidiIn;
-    if (inputNode == nullptr || mEventRecords.empty())
-        return;
-    AAX_CMidiStream* stream = inputNode->GetNodeBuffer();
-    if (stream == nullptr || stream->mBuffer == nullptr || stream->mBufferSize == 0)
+    if (mEventRecords.empty())
         return;
     auto* list = reinterpret_cast<VstEvents*>(mEventList.data());
     VstEvent** const slots = list->events;
-    VstMidiEvent* const records = mEventRecords.data();
-    // One slice for the whole buffer (the usual case): every stamp is in it.
-    const bool wholeBuffer = start == 0 && lastSlice;
-    VstInt32 count = 0;
-    VstInt32 previous = 0;
     bool ordered = true;
-    const AAX_CMidiPacket* const end = stream->mBuffer + stream->mBufferSize;
-    for (const AAX_CMidiPacket* packet = stream->mBuffer; packet < end; ++packet) {
-        const int64_t offset = static_cast<int64_t>(packet->mTimestamp) - start;
-        // Late stamps belong to the last slice, as they would to an unsliced buffer.
-        if (!wholeBuffer && (offset < 0 || (offset >= frames && !lastSlice)))
-            continue;
-        if (count == kMaxEventsPerBuffer)
-            break;
-        VstMidiEvent& event = records[count];
-        event = VstMidiEvent{};
-        event.type = kVstMidiType;
-        event.byteSize = sizeof(VstMidiEvent);
-        event.deltaFrames = static_cast<VstInt32>(offset);
-        event.flags = packet->mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
-        CopyDataBytes(*packet, packet->mLength, event.midiData);
-        ordered = ordered && event.deltaFrames >= previous;
-        previous = event.deltaFrames;
-        slots[count++] = reinterpret_cast<VstEvent*>(&event);
-    }
+    // One slice for the whole buffer (the usual case): every stamp is in it.
+    const VstInt32 count =
+        start == 0 && lastSlice
+            ? FillEvents<true>(stream, 0, frames, true, mEventRecords.data(), slots, ordered)
+            : FillEvents<false>(stream, start, frames, lastSlice, mEventRecords.data(), slots, ordered);
     if (count == 0)
         return;
     if (!ordered) {

@@ -11,6 +11,7 @@
 #include "AAX_ITransport.h"
 #include "S_Alg_Context.h"
 #include "fakehost/OutputSilence.h"
+#include "fakehost/PostedMidi.h"
 #include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst3/CVST3Loader.h"
@@ -58,13 +59,12 @@ void CFakeHostVST3::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t 
 {
     CVST3Loader& loader = *mVst3Loader;
     FillProcessContext(context, start);
+    const AAX_CMidiStream* midi = PostedMidi(*context);
+    if (midi)
+        PushSliceEvents(*midi, start, frames, lastSlice, loader.getInputEvents(), loader.getInputChanges());
     if (start == 0 && lastSlice) {
-        PushInputEvents(context->mMidiIn, loader.getInputEvents(), loader.getInputChanges());
         loader.setProcessingBuffers(context->mInputs, context->mOutputs);
     } else {
-        if (context->mMidiIn)
-            if (AAX_CMidiStream* stream = context->mMidiIn->GetNodeBuffer())
-                PushSliceEvents(*stream, start, frames, lastSlice, loader.getInputEvents(), loader.getInputChanges());
         for (int c = 0; c < kAlgBypassChannels; ++c)
             mSliceInputs[c] = context->mInputs && context->mInputs[c] ? context->mInputs[c] + start : nullptr;
         for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
