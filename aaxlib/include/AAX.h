@@ -113,6 +113,9 @@ enum AAX_EViewContainer_Type : int32_t {
     AAX_eViewContainer_Type_NSView = 1,
     AAX_eViewContainer_Type_UIView = 2,
     AAX_eViewContainer_Type_HWND = 3,
+    // Not a published AAX type: ours, for hosts on Linux. GetPtr() carries an
+    // X11 Window ID (an integer, not an address), the parent of the editor.
+    AAX_eViewContainer_Type_X11Window = 0x58313157,  // 'X11W'
 };
 
 // Stem formats: the channel count is the low 16 bits.

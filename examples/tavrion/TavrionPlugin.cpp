@@ -107,9 +107,13 @@ VstIntPtr CPlugin::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, vo
             return 0;
         *static_cast<ERect**>(ptr) = &mEditorRect;
         return 1;
-    case effEditOpen: mEditorOpen = true; return 1;
-    case effEditClose: mEditorOpen = false; return 0;
-    case effEditIdle: return 0;
+    case effEditOpen: return OpenEditor(ptr);
+    case effEditClose: CloseEditor(); return 0;
+    case effEditIdle:
+#ifdef MRV_HAS_X11_EDITOR
+        mEditor.Idle();
+#endif
+        return 0;
     case effGetChunk: return GetChunk(static_cast<void**>(ptr));
     case effSetChunk: return SetChunk(ptr, value);
     case effProcessEvents: return ProcessEvents(static_cast<const VstEvents*>(ptr));
@@ -173,6 +177,50 @@ VstIntPtr CPlugin::SetChunk(const void* data, VstIntPtr size)
         return 0;
     mEngine.SetAllParameters(values);
     return 1;
+}
+
+VstIntPtr CPlugin::OpenEditor(void* parent)
+{
+    mEditorOpen = true;
+#ifdef MRV_HAS_X11_EDITOR
+    // On Linux the parent is the host's X11 window ID. Without a display the
+    // editor stays a rectangle, as before.
+    MrvEditor::CX11TestEditor::SHandlers handlers;
+    handlers.onButton = [this] { EditVolumeFromEditor(0.0f); };
+    handlers.onGrow = [this] { GrowEditor(); };
+    mEditor.Open(reinterpret_cast<uintptr_t>(parent), mEditorRect.right - mEditorRect.left,
+                 mEditorRect.bottom - mEditorRect.top, std::move(handlers));
+#else
+    (void)parent;
+#endif
+    return 1;
+}
+
+void CPlugin::CloseEditor()
+{
+    mEditorOpen = false;
+#ifdef MRV_HAS_X11_EDITOR
+    mEditor.Close();
+#endif
+}
+
+void CPlugin::EditVolumeFromEditor(float value)
+{
+    mHost(&mEffect, audioMasterBeginEdit, kParamVolume, 0, nullptr, 0.0f);
+    mEngine.SetParameter(kParamVolume, value);
+    mHost(&mEffect, audioMasterAutomate, kParamVolume, 0, nullptr, value);
+    mHost(&mEffect, audioMasterEndEdit, kParamVolume, 0, nullptr, 0.0f);
+}
+
+void CPlugin::GrowEditor()
+{
+#ifdef MRV_HAS_X11_EDITOR
+    mEditorRect.bottom = static_cast<short>(mEditorRect.bottom + MrvEditor::kGrowStep);
+    const int width = mEditorRect.right - mEditorRect.left;
+    const int height = mEditorRect.bottom - mEditorRect.top;
+    mHost(&mEffect, audioMasterSizeWindow, width, height, nullptr, 0.0f);
+    mEditor.Resize(width, height);
+#endif
 }
 
 }  // namespace Tavrion

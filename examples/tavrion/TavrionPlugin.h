@@ -7,6 +7,9 @@
 
 #include "TavrionEngine.h"
 #include "vst2/VstInterface.h"
+#ifdef MRV_HAS_X11_EDITOR
+#include "X11TestEditor.h"
+#endif
 
 namespace Tavrion {
 
@@ -32,6 +35,12 @@ private:
     VstIntPtr ProcessEvents(const VstEvents* events);
     VstIntPtr GetChunk(void** data);
     VstIntPtr SetChunk(const void* data, VstIntPtr size);
+    VstIntPtr OpenEditor(void* parent);
+    void CloseEditor();
+    // The editor's controls: the button mutes (volume to 0) as a user's edit
+    // would, the other grows the editor by asking the host for a new size.
+    void EditVolumeFromEditor(float value);
+    void GrowEditor();
 
     AEffect mEffect{};
     audioMasterCallback mHost;
@@ -40,6 +49,9 @@ private:
     std::string mProgramName = "Init";
     ERect mEditorRect{0, 0, kEditorHeight, kEditorWidth};
     bool mEditorOpen = false;
+#ifdef MRV_HAS_X11_EDITOR
+    MrvEditor::CX11TestEditor mEditor;
+#endif
 };
 
 }  // namespace Tavrion

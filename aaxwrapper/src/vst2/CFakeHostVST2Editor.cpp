@@ -19,7 +19,15 @@ void CFakeHostVST2::CreateGUI(AAX_IViewContainer* container)
     ERect* rect = nullptr;
     Dispatch(effEditGetRect, 0, 0, &rect);
     Dispatch(effCanDo, 0, 0, gCockosViewQuery);
-    Dispatch(effEditOpen, 0, 0, container->GetPtr());
+    // Editors build their window inside the parent at once; without one
+    // (a host with no windowing system) some abort or crash, so they are
+    // not opened at all. On Linux the parent is an X11 window ID.
+    void* parent = container->GetPtr();
+    if (parent == nullptr) {
+        MV_LOG_AT("gui", kLogWarning, "CreateGUI", "The view container has no native view: editor not opened");
+        return;
+    }
+    Dispatch(effEditOpen, 0, 0, parent);
 }
 
 void CFakeHostVST2::QuitGUI()

@@ -39,9 +39,9 @@ AAX_IACFEffectGUI* CreateEffectGui(CHostInstance& instance, std::string& error, 
     return gui;
 }
 
-CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui)
+CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui, unsigned long x11Window)
 {
-    auto* container = new CHostViewContainer;
+    auto* container = new CHostViewContainer(x11Window);
     const AAX_Result set = gui->SetViewContainer(static_cast<AAX_IACFViewContainer*>(container));
     // A view that cannot attach is the plug-in's business, not a host failure.
     if (set != AAX_SUCCESS)

@@ -18,8 +18,9 @@ class CHostViewContainer;
 // phase, when given, is what a crash report names from the plug-in's first
 // GUI call on.
 AAX_IACFEffectGUI* CreateEffectGui(CHostInstance& instance, std::string& error, const char* phase = nullptr);
-// Attaches a fresh view container holding one reference for the caller.
-CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui);
+// Attaches a fresh view container holding one reference for the caller; with
+// an X11 window ID, the container hands out that window as the parent.
+CHostViewContainer* AttachViewContainer(AAX_IACFEffectGUI* gui, unsigned long x11Window = 0);
 // Detaches the view, then uninitializes, as a host closes a window; the
 // caller releases the GUI object and the container afterwards.
 void DetachEffectGui(AAX_IACFEffectGUI* gui);

@@ -1,18 +1,134 @@
 #include "GuiSession.h"
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <thread>
 
 #include "AAX_IEffectGUI.h"
 #include "EditorSession.h"
 #include "HostInstance.h"
 #include "HostViewContainer.h"
 #include "PluginSession.h"
+#include "X11Window.h"
 
 namespace AAXHost {
 
 namespace {
 
+// How often the window's host calls TimerWakeup, as AAX hosts do (~30 Hz
+// or faster).
+constexpr auto kTimerPeriod = std::chrono::milliseconds(15);
+// The click comes once the editor has had time to draw.
+constexpr double kClickAt = 0.4;
+
 bool SameSize(const AAX_Point& a, const AAX_Point& b) { return a.horz == b.horz && a.vert == b.vert; }
+
+class CViewRun {
+public:
+    CViewRun(CHostInstance& instance, const SGuiConfig& config, SGuiReport& report)
+        : mInstance(instance), mConfig(config), mReport(report)
+    {
+    }
+
+    bool Run(bool windowed, std::string& error)
+    {
+        AAX_IACFEffectGUI* gui = CreateEffectGui(mInstance, error, "the view session");
+        if (!gui)
+            return false;
+        CX11Window window;
+        if (windowed && !window.Open(100, 100, "aaxhost", error))
+            return false;
+        mGui = gui;
+        mWindow = windowed ? &window : nullptr;
+        mContainer = AttachViewContainer(gui, windowed ? window.Id() : 0);
+        mReport.requested.clear();
+        mReport.sizesAfterTicks.clear();
+        gui->GetViewSize(&mReport.initialSize);
+        mLast = mReport.initialSize;
+        if (mConfig.print)
+            std::printf("view size %gx%g\n", mLast.horz, mLast.vert);
+        bool ok = true;
+        if (mWindow) {
+            mWindow->Resize(static_cast<int>(mLast.horz), static_cast<int>(mLast.vert));
+            ok = RunWindow(error);
+        } else {
+            for (int i = 0; i < mConfig.timerTicks; ++i)
+                Tick();
+        }
+        if (mWindow)
+            mWindow->Size(mReport.windowWidth, mReport.windowHeight);
+        DetachEffectGui(gui);
+        mReport.requested = mContainer->Requests();
+        gui->Release();
+        mContainer->Release();
+        window.Close();
+        return ok;
+    }
+
+private:
+    bool RunWindow(std::string& error)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        const auto clickTime = start + std::chrono::duration<double>(kClickAt * mConfig.seconds);
+        const auto end = start + std::chrono::duration<double>(mConfig.seconds);
+        bool clicked = !mConfig.click;
+        while (std::chrono::steady_clock::now() < end) {
+            mWindow->Pump();
+            Tick();
+            if (!clicked && std::chrono::steady_clock::now() >= clickTime) {
+                if (!mWindow->Click(mConfig.clickX, mConfig.clickY, error))
+                    return false;
+                clicked = true;
+                if (mConfig.print)
+                    std::printf("clicked at %d,%d\n", mConfig.clickX, mConfig.clickY);
+            }
+            std::this_thread::sleep_for(kTimerPeriod);
+        }
+        // What the editor drew last, after its final timer call.
+        Tick();
+        if (!mConfig.screenshot.empty()) {
+            if (!mWindow->Screenshot(mConfig.screenshot, error))
+                return false;
+            if (mConfig.print)
+                std::printf("screenshot %s\n", mConfig.screenshot.c_str());
+        }
+        return true;
+    }
+
+    // One timer call of the view and of the effect, and what the plug-in
+    // asked for meanwhile.
+    void Tick()
+    {
+        mGui->TimerWakeup();
+        mInstance.Effect()->TimerWakeup();
+        for (; mRequestsShown < mContainer->Requests().size(); ++mRequestsShown) {
+            const AAX_Point& p = mContainer->Requests()[mRequestsShown];
+            if (mConfig.print)
+                std::printf("plug-in asked for view size %gx%g\n", p.horz, p.vert);
+            if (mWindow) {
+                mWindow->Resize(static_cast<int>(p.horz), static_cast<int>(p.vert));
+                if (mConfig.print)
+                    std::printf("window resized to %gx%g\n", p.horz, p.vert);
+            }
+        }
+        AAX_Point size = mLast;
+        mGui->GetViewSize(&size);
+        mReport.sizesAfterTicks.push_back(size);
+        if (mConfig.print && !SameSize(size, mLast))
+            std::printf("view size now %gx%g\n", size.horz, size.vert);
+        mLast = size;
+    }
+
+    CHostInstance& mInstance;
+    const SGuiConfig& mConfig;
+    SGuiReport& mReport;
+    AAX_IACFEffectGUI* mGui = nullptr;
+    CHostViewContainer* mContainer = nullptr;
+    CX11Window* mWindow = nullptr;
+    AAX_Point mLast;
+    size_t mRequestsShown = 0;
+};
 
 }  // namespace
 
@@ -32,42 +148,33 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
     if (!instance.Create(error))
         return false;
 
-    AAX_IACFEffectGUI* gui = CreateEffectGui(instance, error, "the view session");
-    if (!gui)
+    const char* display = std::getenv("DISPLAY");
+    report.windowed = config.window && display != nullptr && *display != '\0';
+    if (config.window && !report.windowed)
+        std::fprintf(stderr, "aaxhost: note: DISPLAY is not set: the view opens in a container of type NULL, "
+                             "without a window\n");
+    if (!report.windowed && (!config.screenshot.empty() || config.click)) {
+        error = "--screenshot and --click need a window: set DISPLAY (xvfb-run gives one)";
+        instance.Destroy();
         return false;
-    const size_t automationBefore = instance.Controller()->Automation().size();
-    CHostViewContainer* container = AttachViewContainer(gui);
-    gui->GetViewSize(&report.initialSize);
-    if (config.print)
-        std::printf("view size %gx%g\n", report.initialSize.horz, report.initialSize.vert);
-    AAX_Point last = report.initialSize;
-    size_t requestsShown = 0;
-    for (int i = 0; i < config.timerTicks; ++i) {
-        gui->TimerWakeup();
-        instance.Effect()->TimerWakeup();
-        for (; requestsShown < container->Requests().size(); ++requestsShown) {
-            const AAX_Point& p = container->Requests()[requestsShown];
-            if (config.print)
-                std::printf("plug-in asked for view size %gx%g\n", p.horz, p.vert);
-        }
-        AAX_Point size = last;
-        gui->GetViewSize(&size);
-        report.sizesAfterTicks.push_back(size);
-        if (config.print && !SameSize(size, last))
-            std::printf("view size now %gx%g\n", size.horz, size.vert);
-        last = size;
     }
-    DetachEffectGui(gui);
-    report.requested = container->Requests();
+    const size_t automationBefore = instance.Controller()->Automation().size();
+    const int errorsBefore = CX11Window::Errors();
+    bool ok = true;
+    for (int cycle = 0; ok && cycle < config.cycles; ++cycle) {
+        CViewRun run(instance, config, report);
+        ok = run.Run(report.windowed, error);
+    }
+    report.xErrors = CX11Window::Errors() - errorsBefore;
     const auto& automation = instance.Controller()->Automation();
     report.automation.assign(automation.begin() + static_cast<std::ptrdiff_t>(automationBefore), automation.end());
     for (const auto& a : report.automation)
         if (config.print && a.kind != "register" && a.kind != "unregister")
             std::printf("automation %s %s %g\n", a.kind.c_str(), a.parameterID.c_str(), a.value);
-    gui->Release();
-    container->Release();
+    if (report.windowed && config.print)
+        std::printf("window %dx%d, X errors %d\n", report.windowWidth, report.windowHeight, report.xErrors);
     instance.Destroy();
-    return true;
+    return ok;
 }
 
 nlohmann::json GuiReportToJson(const SGuiReport& report)
@@ -83,11 +190,17 @@ nlohmann::json GuiReportToJson(const SGuiReport& report)
     for (const auto& a : report.automation)
         automation.push_back({{"kind", a.kind}, {"parameter", a.parameterID}, {"value", a.value},
                               {"origin", a.fromHost ? "host" : "plugin"}});
-    return {{"format", "aaxhost-gui-1"},
-            {"initial_size", point(report.initialSize)},
-            {"sizes_after_ticks", ticks},
-            {"requested_sizes", requested},
-            {"automation", automation}};
+    json out = {{"format", "aaxhost-gui-1"},
+                {"windowed", report.windowed},
+                {"initial_size", point(report.initialSize)},
+                {"sizes_after_ticks", ticks},
+                {"requested_sizes", requested},
+                {"automation", automation}};
+    if (report.windowed) {
+        out["window"] = {{"width", report.windowWidth}, {"height", report.windowHeight}};
+        out["x_errors"] = report.xErrors;
+    }
+    return out;
 }
 
 }  // namespace AAXHost

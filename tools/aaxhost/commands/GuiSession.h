@@ -1,6 +1,8 @@
-// Opens an effect's view the way a host does, without a window: creates the
-// GUI object, attaches a view container, polls the size and the timer, then
-// closes and releases everything.
+// Opens an effect's view the way a host does: creates the GUI object,
+// attaches a view container, polls the size and the timer, then closes and
+// releases everything. With an X display, the container holds a real
+// top-level window that follows the plug-in's size requests; without one,
+// a container of type NULL.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -16,16 +18,25 @@ class CPluginSession;
 
 struct SGuiConfig {
     std::string effectID;
-    int32_t timerTicks = 5;
+    int32_t timerTicks = 5;  // without a window
+    double seconds = 1.0;    // with a window: how long it stays up
+    bool window = true;      // a real window when DISPLAY is set
+    std::string screenshot;  // PNG of the window before it closes
+    bool click = false;      // a pointer click at (clickX, clickY) in the window
+    int clickX = 0, clickY = 0;
+    int cycles = 1;  // open and close the view this many times
     double sampleRate = 48000.0;
     bool print = true;  // size lines on standard output as they happen
 };
 
 struct SGuiReport {
+    bool windowed = false;
     AAX_Point initialSize;
-    std::vector<AAX_Point> sizesAfterTicks;  // GetViewSize after each timer tick
-    std::vector<AAX_Point> requested;         // SetViewSize calls from the plug-in
-    std::vector<SAutomationEvent> automation;  // requests made from opening to closing the view
+    std::vector<AAX_Point> sizesAfterTicks;  // GetViewSize after each timer tick (last cycle)
+    std::vector<AAX_Point> requested;         // SetViewSize calls from the plug-in (last cycle)
+    int windowWidth = 0, windowHeight = 0;    // when the view closed (last cycle)
+    int xErrors = 0;                          // X protocol errors while the views were open
+    std::vector<SAutomationEvent> automation;  // requests made from opening to closing the views
 };
 
 bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& report, std::string& error);

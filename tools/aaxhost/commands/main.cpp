@@ -161,9 +161,20 @@ int main(int argc, char** argv)
     render->add_flag("--no-progress", noProgress, "Never show the progress bar");
 
     SGuiConfig gc;
-    auto* gui = app.add_subcommand("gui", "Open and close the plug-in's view without a window");
+    auto* gui = app.add_subcommand("gui", "Open the plug-in's view: in an X11 window when DISPLAY is set");
     gui->add_option("bundle", bundle, "Path of the .aaxplugin bundle")->required();
-    gui->add_option("--ticks", gc.timerTicks, "Timer ticks to run")->capture_default_str();
+    gui->add_option("--ticks", gc.timerTicks, "Timer ticks to run without a window")->capture_default_str();
+    gui->add_option("--seconds", gc.seconds, "How long the window stays up")
+        ->check(CLI::Range(0.0, 3600.0))
+        ->capture_default_str();
+    gui->add_option("--screenshot", gc.screenshot, "Write the window's pixels to this PNG file before it closes");
+    std::string click;
+    gui->add_option("--click", click, "Click the window at X,Y (window pixels) once the editor is up");
+    gui->add_option("--cycles", gc.cycles, "Open and close the view this many times")
+        ->check(CLI::Range(1, 100000))
+        ->capture_default_str();
+    bool noWindow = false;
+    gui->add_flag("--no-window", noWindow, "Use a container of type NULL even when DISPLAY is set");
     gui->add_option("--effect", gc.effectID, "Effect ID to open (default: the first)");
     gui->add_flag("--json", json, "Print the sizes as JSON");
 
@@ -199,6 +210,14 @@ int main(int argc, char** argv)
             rc.progress = !noProgress;
             return DoRender(bundle, rc);
         }
+        if (!click.empty()) {
+            char extra = 0;
+            if (std::sscanf(click.c_str(), "%d,%d%c", &gc.clickX, &gc.clickY, &extra) != 2 || gc.clickX < 0 ||
+                gc.clickY < 0)
+                return Fail("--click takes X,Y: two whole numbers of window pixels, e.g. 70,40");
+            gc.click = true;
+        }
+        gc.window = !noWindow;
         return DoGui(bundle, gc, json);
     };
     const int code = run();
