@@ -52,6 +52,8 @@ public:
     void AddInputChangeForProcessing(int index, double value) override;
     void AddInputChangeForGUI(int index, double value) override;
     void QuitGUI() override;
+    // Serves the editor's run loop (Linux) from the host's timer.
+    int32_t TimerWakeup() override;
     void CreateGUI(AAX_IViewContainer* container) override;
     void GetViewSize(float& outWidth, float& outHeight) override;
     bool GetState(unsigned int* outSize, void* outpData) override;
@@ -70,6 +72,8 @@ public:
     const Steinberg::PClassInfo& GetClassInfo() const { return mClassInfo; }
 
 private:
+    // Linux: the X11 path of CreateGUI.
+    void AttachX11(AAX_IViewContainer* container, void* parent);
     void ChooseAudioClass();
     void ReadParameterIds();
     Steinberg::Vst::ParamID ParamIdOf(int index) const;

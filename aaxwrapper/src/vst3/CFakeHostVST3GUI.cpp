@@ -31,6 +31,10 @@ void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
         MV_LOG_AT("fakehost", kLogError, "CreateGUI", "UIView container: attached as HIView");
         platformType = kPlatformTypeHIView;
         break;
+    case AAX_eViewContainer_Type_X11Window:
+        MV_LOG_AT("gui", kLogDebug, "CreateGUI", "View container type X11 window");
+        platformType = kPlatformTypeX11EmbedWindowID;
+        break;
     case AAX_eViewContainer_Type_NULL:
         MV_LOG_AT("gui", kLogError, "CreateGUI", "View container without type");
         break;
@@ -53,6 +57,10 @@ void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
         MV_LOG("gui", kLogError, "Standard View not created by Controller");
         return;
     }
+    if (type == AAX_eViewContainer_Type_X11Window) {
+        AttachX11(container, parent);
+        return;
+    }
     mView->attached(parent, platformType);
 
     // A second CreateGUI replaces the frame: the old one must not leak.
@@ -60,6 +68,31 @@ void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
     mPlugFrame = new CPlugFrame(container);
     mView->setFrame(mPlugFrame);
     delete previous;
+}
+
+// Linux, as the VST 3 documentation has it: the view is asked whether it
+// can embed into an X11 window, and gets its frame first, since it finds
+// the host's run loop (IRunLoop) through the frame while it attaches.
+void CFakeHostVST3::AttachX11(AAX_IViewContainer* container, void* parent)
+{
+    if (mView->isPlatformTypeSupported(kPlatformTypeX11EmbedWindowID) != kResultTrue) {
+        MV_LOG_AT("gui", kLogError, "CreateGUI", "The editor cannot embed into an X11 window");
+        return;
+    }
+    CPlugFrame* previous = mPlugFrame;
+    mPlugFrame = new CPlugFrame(container, true);
+    mView->setFrame(mPlugFrame);
+    delete previous;
+    if (mView->attached(parent, kPlatformTypeX11EmbedWindowID) != kResultOk)
+        MV_LOG_AT("gui", kLogError, "CreateGUI", "The editor refused to attach to the X11 window");
+}
+
+int32_t CFakeHostVST3::TimerWakeup()
+{
+    MV_MAIN_THREAD("CFakeHostVST3::TimerWakeup");
+    if (mPlugFrame)
+        mPlugFrame->ServiceRunLoop();
+    return 0;
 }
 
 void CFakeHostVST3::QuitGUI()
@@ -73,7 +106,7 @@ void CFakeHostVST3::QuitGUI()
     mPlugFrame = nullptr;
     view->setFrame(nullptr);
     view->removed();
-    delete frame;
+    delete frame;  // gives back the handlers the view did not unregister
     const uint32 ret = view->release();
     MV_COND_ASSERT("fakehost", ret == 0, "ret == 0", " mView not released");
 }

@@ -1,9 +1,15 @@
 #include "vst3/CPlugFrame.h"
 
+#include <poll.h>
+
+#include <algorithm>
+
 #include "AAX_IViewContainer.h"
 #include "logger/CLog.h"
 
 using namespace Steinberg;
+
+CPlugFrame::~CPlugFrame() { DropHandlers(); }
 
 tresult PLUGIN_API CPlugFrame::queryInterface(const TUID iid, void** obj)
 {
@@ -12,6 +18,13 @@ tresult PLUGIN_API CPlugFrame::queryInterface(const TUID iid, void** obj)
         *obj = static_cast<IPlugFrame*>(this);
         return kResultOk;
     }
+#if !defined(__APPLE__) && !defined(_WIN32)
+    if (mRunLoop && FUnknownPrivate::iidEqual(iid, Linux::IRunLoop::iid)) {
+        addRef();
+        *obj = static_cast<Linux::IRunLoop*>(this);
+        return kResultOk;
+    }
+#endif
     *obj = nullptr;
     return kNoInterface;
 }
@@ -40,3 +53,106 @@ tresult PLUGIN_API CPlugFrame::resizeView(IPlugView* /*view*/, ViewRect* newSize
     // The plug-in resizes its own view; only the AAX window follows.
     return kResultOk;
 }
+
+#if !defined(__APPLE__) && !defined(_WIN32)
+
+tresult PLUGIN_API CPlugFrame::registerEventHandler(Linux::IEventHandler* handler, Linux::FileDescriptor fd)
+{
+    if (!handler || fd < 0)
+        return kInvalidArgument;
+    handler->addRef();
+    mEventHandlers.push_back({handler, fd});
+    return kResultOk;
+}
+
+tresult PLUGIN_API CPlugFrame::unregisterEventHandler(Linux::IEventHandler* handler)
+{
+    bool found = false;
+    for (auto it = mEventHandlers.begin(); it != mEventHandlers.end();) {
+        if (it->handler == handler) {
+            it->handler->release();
+            it = mEventHandlers.erase(it);
+            found = true;
+        } else {
+            ++it;
+        }
+    }
+    return found ? kResultOk : kInvalidArgument;
+}
+
+tresult PLUGIN_API CPlugFrame::registerTimer(Linux::ITimerHandler* handler, Linux::TimerInterval milliseconds)
+{
+    if (!handler)
+        return kInvalidArgument;
+    handler->addRef();
+    const auto interval = std::chrono::milliseconds(std::max<Linux::TimerInterval>(milliseconds, 1));
+    mTimers.push_back({handler, interval, std::chrono::steady_clock::now() + interval});
+    return kResultOk;
+}
+
+tresult PLUGIN_API CPlugFrame::unregisterTimer(Linux::ITimerHandler* handler)
+{
+    bool found = false;
+    for (auto it = mTimers.begin(); it != mTimers.end();) {
+        if (it->handler == handler) {
+            it->handler->release();
+            it = mTimers.erase(it);
+            found = true;
+        } else {
+            ++it;
+        }
+    }
+    return found ? kResultOk : kInvalidArgument;
+}
+
+void CPlugFrame::ServiceRunLoop()
+{
+    // Handlers may unregister (themselves or others) while called: work on
+    // copies, holding a reference to each.
+    std::vector<SEventHandler> handlers;
+    if (!mEventHandlers.empty()) {
+        std::vector<pollfd> fds;
+        for (const SEventHandler& h : mEventHandlers)
+            fds.push_back({h.fd, POLLIN, 0});
+        if (poll(fds.data(), static_cast<nfds_t>(fds.size()), 0) > 0)
+            for (size_t i = 0; i < fds.size(); ++i)
+                if (fds[i].revents & (POLLIN | POLLHUP | POLLERR)) {
+                    mEventHandlers[i].handler->addRef();
+                    handlers.push_back(mEventHandlers[i]);
+                }
+    }
+    for (const SEventHandler& h : handlers) {
+        h.handler->onFDIsSet(h.fd);
+        h.handler->release();
+    }
+    const auto now = std::chrono::steady_clock::now();
+    std::vector<Linux::ITimerHandler*> due;
+    for (STimer& t : mTimers) {
+        if (now < t.due)
+            continue;
+        t.handler->addRef();
+        due.push_back(t.handler);
+        t.due = now + t.interval;
+    }
+    for (Linux::ITimerHandler* handler : due) {
+        handler->onTimer();
+        handler->release();
+    }
+}
+
+void CPlugFrame::DropHandlers()
+{
+    for (const SEventHandler& h : mEventHandlers)
+        h.handler->release();
+    mEventHandlers.clear();
+    for (const STimer& t : mTimers)
+        t.handler->release();
+    mTimers.clear();
+}
+
+#else
+
+void CPlugFrame::ServiceRunLoop() {}
+void CPlugFrame::DropHandlers() {}
+
+#endif

@@ -43,10 +43,10 @@ public:
     REFCOUNT_METHODS(Steinberg::Vst::EditControllerEx1)
 
     void viewGone(SynthView* view);
-
-private:
     // A user's gesture as the editor makes it: begin, perform, end.
     void testEdit(Steinberg::Vst::ParamID tag, double value);
+
+private:
 
     Steinberg::Vst::CtrlNumber mVolumeController = 7;
     double mZoom = 1.0;
