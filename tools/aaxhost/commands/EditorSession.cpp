@@ -1,12 +1,14 @@
 #include "EditorSession.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "AAX_IEffectGUI.h"
 #include "CrashReport.h"
 #include "HostInstance.h"
 #include "HostViewContainer.h"
 #include "ResultText.h"
+#include "X11Window.h"
 
 namespace AAXHost {
 
@@ -55,7 +57,10 @@ void DetachEffectGui(AAX_IACFEffectGUI* gui)
     gui->Uninitialize();
 }
 
-bool CEditorSession::Open(CHostInstance& instance, std::string& error)
+CEditorSession::CEditorSession() = default;
+CEditorSession::~CEditorSession() { Close(); }
+
+bool CEditorSession::Open(CHostInstance& instance, std::string& error, bool window)
 {
     Close();
     AAX_IACFEffectGUI* gui = CreateEffectGui(instance, error);
@@ -63,16 +68,48 @@ bool CEditorSession::Open(CHostInstance& instance, std::string& error)
         return false;
     mGui = gui;
     mInstance = &instance;
-    mContainer = AttachViewContainer(mGui);
+    const char* display = std::getenv("DISPLAY");
+    if (window && display != nullptr && *display != '\0') {
+        mWindow = std::make_unique<CX11Window>();
+        if (!mWindow->Open(100, 100, "aaxhost", error)) {
+            Close();
+            return false;
+        }
+    } else if (window) {
+        std::fprintf(stderr, "aaxhost: note: DISPLAY is not set: the view opens in a container of type NULL, "
+                             "without a window\n");
+    }
+    mContainer = AttachViewContainer(mGui, mWindow ? mWindow->Id() : 0);
+    if (mWindow) {
+        AAX_Point size;
+        mGui->GetViewSize(&size);
+        mWindow->Resize(static_cast<int>(size.horz), static_cast<int>(size.vert));
+    }
     return true;
 }
 
-void CEditorSession::Idle()
+bool CEditorSession::Idle(std::string& error)
 {
     if (!mGui)
-        return;
+        return true;
+    if (mWindow)
+        mWindow->Pump();
     mGui->TimerWakeup();
     mInstance->Effect()->TimerWakeup();
+    for (; mRequestsSeen < mContainer->Requests().size(); ++mRequestsSeen)
+        if (mWindow) {
+            const AAX_Point& p = mContainer->Requests()[mRequestsSeen];
+            mWindow->Resize(static_cast<int>(p.horz), static_cast<int>(p.vert));
+        }
+    if (mClickPending && ++mIdles >= 3) {
+        mClickPending = false;
+        if (!mWindow) {
+            error = "--click needs a window: set DISPLAY (xvfb-run gives one)";
+            return false;
+        }
+        return mWindow->Click(mClickX, mClickY, error);
+    }
+    return true;
 }
 
 void CEditorSession::Close()
@@ -85,6 +122,9 @@ void CEditorSession::Close()
     mGui = nullptr;
     mContainer = nullptr;
     mInstance = nullptr;
+    mWindow.reset();
+    mRequestsSeen = 0;
+    mIdles = 0;
 }
 
 }  // namespace AAXHost

@@ -1,9 +1,10 @@
 // An effect's view held open while the host does other work (a render), the
 // way a user keeps the plug-in window up during playback: the GUI object, a
-// view container without native view, and the timer calls a host makes
-// while the window is shown.
+// view container (an X11 window when there is a display, else type NULL),
+// and the timer calls a host makes while the window is shown.
 #pragma once
 
+#include <memory>
 #include <string>
 
 class AAX_IACFEffectGUI;
@@ -12,6 +13,7 @@ namespace AAXHost {
 
 class CHostInstance;
 class CHostViewContainer;
+class CX11Window;
 
 // The opening steps every view session shares. CreateEffectGui: GUI factory,
 // query and Initialize with the effect; null and error set on failure. The
@@ -27,15 +29,21 @@ void DetachEffectGui(AAX_IACFEffectGUI* gui);
 
 class CEditorSession {
 public:
-    CEditorSession() = default;
-    ~CEditorSession() { Close(); }
+    CEditorSession();
+    ~CEditorSession();
     CEditorSession(const CEditorSession&) = delete;
     CEditorSession& operator=(const CEditorSession&) = delete;
 
-    // GUI factory, Initialize with the effect, SetViewContainer.
-    bool Open(CHostInstance& instance, std::string& error);
-    // One timer wake-up of the view and of the effect.
-    void Idle();
+    // GUI factory, Initialize with the effect, SetViewContainer. With
+    // window set and a display, the view gets a real window.
+    bool Open(CHostInstance& instance, std::string& error, bool window = false);
+    // A pointer click at window coordinates, made on the third timer call
+    // (once the editor has drawn). Needs a window.
+    void ClickWhenUp(int x, int y) { mClickX = x, mClickY = y, mClickPending = true; }
+    // One timer wake-up of the view and of the effect; the window follows
+    // the sizes the plug-in asks for. False when a click failed.
+    bool Idle(std::string& error);
+    bool HasWindow() const { return mWindow != nullptr; }
     // SetViewContainer(null), Uninitialize, releases; safe when closed.
     void Close();
     bool IsOpen() const { return mGui != nullptr; }
@@ -44,6 +52,11 @@ private:
     AAX_IACFEffectGUI* mGui = nullptr;
     CHostViewContainer* mContainer = nullptr;
     CHostInstance* mInstance = nullptr;
+    std::unique_ptr<CX11Window> mWindow;
+    size_t mRequestsSeen = 0;
+    int mIdles = 0;
+    bool mClickPending = false;
+    int mClickX = 0, mClickY = 0;
 };
 
 }  // namespace AAXHost

@@ -1,5 +1,7 @@
 #include "GuiSession.h"
 
+#include <dirent.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -23,6 +25,20 @@ constexpr auto kTimerPeriod = std::chrono::milliseconds(15);
 constexpr double kClickAt = 0.4;
 
 bool SameSize(const AAX_Point& a, const AAX_Point& b) { return a.horz == b.horz && a.vert == b.vert; }
+
+// Open file descriptors of this process (display connections among them):
+// what opening and closing views must give back.
+int OpenFiles()
+{
+    int count = 0;
+    if (DIR* dir = opendir("/proc/self/fd")) {
+        while (readdir(dir) != nullptr)
+            ++count;
+        closedir(dir);
+        count -= 3;  // ".", ".." and the listing itself
+    }
+    return count;
+}
 
 class CViewRun {
 public:
@@ -164,7 +180,12 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
     for (int cycle = 0; ok && cycle < config.cycles; ++cycle) {
         CViewRun run(instance, config, report);
         ok = run.Run(report.windowed, error);
+        // Counted after the first view: plug-ins may open what they keep for
+        // the rest of the process (a toolkit, fonts) once.
+        if (cycle == 0)
+            report.filesAfterFirst = OpenFiles();
     }
+    report.filesAfterLast = OpenFiles();
     report.xErrors = CX11Window::Errors() - errorsBefore;
     const auto& automation = instance.Controller()->Automation();
     report.automation.assign(automation.begin() + static_cast<std::ptrdiff_t>(automationBefore), automation.end());
@@ -199,6 +220,9 @@ nlohmann::json GuiReportToJson(const SGuiReport& report)
     if (report.windowed) {
         out["window"] = {{"width", report.windowWidth}, {"height", report.windowHeight}};
         out["x_errors"] = report.xErrors;
+    }
+    if (report.filesAfterFirst >= 0) {
+        out["open_files"] = {{"after_first_view", report.filesAfterFirst}, {"after_last_view", report.filesAfterLast}};
     }
     return out;
 }

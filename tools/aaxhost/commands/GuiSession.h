@@ -36,6 +36,7 @@ struct SGuiReport {
     std::vector<AAX_Point> requested;         // SetViewSize calls from the plug-in (last cycle)
     int windowWidth = 0, windowHeight = 0;    // when the view closed (last cycle)
     int xErrors = 0;                          // X protocol errors while the views were open
+    int filesAfterFirst = -1, filesAfterLast = -1;  // open file descriptors after the first and last view
     std::vector<SAutomationEvent> automation;  // requests made from opening to closing the views
 };
 

@@ -39,6 +39,9 @@ struct SRenderConfig {
     int32_t instances = 1;
     bool stopped = false;     // the transport reports stopped, at the song start
     double editorAt = -1.0;   // < 0: no view; else instance 0's view opens at this time
+    bool editorWindow = true;  // the view gets an X11 window when DISPLAY is set
+    bool editorClick = false;  // a pointer click once the view is up
+    int editorClickX = 0, editorClickY = 0;
     bool json = false;
     bool progress = true;  // shown only when standard output is a terminal
 };

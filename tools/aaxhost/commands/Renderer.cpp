@@ -80,7 +80,7 @@ private:
     bool OpenEditorWhenDue(const SBlock& block);
     void PrepareInstances(const SBlock& block);
     bool CollectOutputs(const SBlock& block);
-    void IdleEditor();
+    bool IdleEditor();
     void WakeDataModelsWhenDue(const SBlock& block);
     bool WritePlot();
     bool SaveState();
@@ -252,7 +252,8 @@ bool CRenderJob::RenderBlock(const SBlock& block)
         inst->FinishBlock();
     if (!CollectOutputs(block))
         return false;
-    IdleEditor();
+    if (!IdleEditor())
+        return false;
     WakeDataModelsWhenDue(block);
     return true;
 }
@@ -286,8 +287,10 @@ bool CRenderJob::OpenEditorWhenDue(const SBlock& block)
     if (mEditorSample < 0 || mEditor.IsOpen() || mEditorSample >= block.start + block.frames)
         return true;
     SetPhase("opening the view");
-    if (!mEditor.Open(*mInstances.front(), mError))
+    if (!mEditor.Open(*mInstances.front(), mError, mConfig.editorWindow))
         return false;
+    if (mConfig.editorClick)
+        mEditor.ClickWhenUp(mConfig.editorClickX, mConfig.editorClickY);
     SetPhase("rendering");
     return true;
 }
@@ -333,13 +336,14 @@ bool CRenderJob::CollectOutputs(const SBlock& block)
     return true;
 }
 
-void CRenderJob::IdleEditor()
+bool CRenderJob::IdleEditor()
 {
     if (!mEditor.IsOpen())
-        return;
+        return true;
     SetPhase("the view's timer");
-    mEditor.Idle();
+    const bool ok = mEditor.Idle(mError);
     SetPhase("rendering");
+    return ok;
 }
 
 // A host wakes each data model about every 50 ms on its main thread.

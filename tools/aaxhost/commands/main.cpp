@@ -92,6 +92,15 @@ int DoParams(const std::string& bundle, const std::string& effectID, bool json)
     return CloseSession(session, 0);
 }
 
+// "X,Y": two whole numbers of window pixels.
+bool ParseClick(const std::string& text, int& x, int& y)
+{
+    char extra = 0;
+    return std::sscanf(text.c_str(), "%d,%d%c", &x, &y, &extra) == 2 && x >= 0 && y >= 0;
+}
+
+constexpr const char* kClickFormat = "--click takes X,Y: two whole numbers of window pixels, e.g. 70,40";
+
 int DoGui(const std::string& bundle, SGuiConfig config, bool json)
 {
     CJsonOutput jsonOut(json);
@@ -156,6 +165,10 @@ int main(int argc, char** argv)
     render->add_flag("--stopped", rc.stopped, "The transport reports stopped, at the song start");
     render->add_option("--editor-at", rc.editorAt, "Open the view of instance 0 at this time (seconds) until the end")
         ->check(CLI::Range(0.0, 86400.0));
+    std::string renderClick;
+    render->add_option("--click", renderClick, "Click the view's window at X,Y once it is up (with --editor-at)");
+    bool renderNoWindow = false;
+    render->add_flag("--no-window", renderNoWindow, "Open the view in a container of type NULL even with a display");
     render->add_flag("--json", rc.json, "Print the summary as JSON");
     bool noProgress = false;
     render->add_flag("--no-progress", noProgress, "Never show the progress bar");
@@ -207,14 +220,20 @@ int main(int argc, char** argv)
             }
             if (!meter.empty() && !ParseMeter(meter, rc.meterNumerator, rc.meterDenominator, error))
                 return Fail(error);
+            if (!renderClick.empty()) {
+                if (!ParseClick(renderClick, rc.editorClickX, rc.editorClickY))
+                    return Fail(kClickFormat);
+                if (rc.editorAt < 0.0)
+                    return Fail("--click needs --editor-at: the view must be open to be clicked");
+                rc.editorClick = true;
+            }
+            rc.editorWindow = !renderNoWindow;
             rc.progress = !noProgress;
             return DoRender(bundle, rc);
         }
         if (!click.empty()) {
-            char extra = 0;
-            if (std::sscanf(click.c_str(), "%d,%d%c", &gc.clickX, &gc.clickY, &extra) != 2 || gc.clickX < 0 ||
-                gc.clickY < 0)
-                return Fail("--click takes X,Y: two whole numbers of window pixels, e.g. 70,40");
+            if (!ParseClick(click, gc.clickX, gc.clickY))
+                return Fail(kClickFormat);
             gc.click = true;
         }
         gc.window = !noWindow;

@@ -40,6 +40,19 @@ unsigned Channel(unsigned long pixel, unsigned long mask)
     return static_cast<unsigned>((shift >= 0 ? bits >> shift : bits << -shift) & 0xFF);
 }
 
+// One connection for the whole process, as a host keeps its own: windows
+// come and go on it. (An X server also resets when its last client leaves,
+// and refuses connections meanwhile.)
+Display* HostDisplay()
+{
+    static Display* const display = [] {
+        XInitThreads();
+        XSetErrorHandler(&CountError);
+        return XOpenDisplay(nullptr);
+    }();
+    return display;
+}
+
 }  // namespace
 
 int CX11Window::Errors() { return gErrors.load(); }
@@ -47,13 +60,7 @@ int CX11Window::Errors() { return gErrors.load(); }
 bool CX11Window::Open(int width, int height, const std::string& title, std::string& error)
 {
     Close();
-    static bool handlerSet = false;
-    if (!handlerSet) {
-        XInitThreads();
-        XSetErrorHandler(&CountError);
-        handlerSet = true;
-    }
-    Display* display = XOpenDisplay(nullptr);
+    Display* display = HostDisplay();
     if (display == nullptr) {
         error = "no X display to open (DISPLAY is unset or unreachable)";
         return false;
@@ -84,7 +91,7 @@ void CX11Window::Close()
     if (mDisplay == nullptr)
         return;
     XDestroyWindow(mDisplay, mWindow);
-    XCloseDisplay(mDisplay);
+    XSync(mDisplay, False);
     mDisplay = nullptr;
     mWindow = 0;
 }

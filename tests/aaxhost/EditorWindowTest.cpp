@@ -1,0 +1,205 @@
+// Editors in a real X11 window (the suite runs under Xvfb): what they draw,
+// what a click on them does, how the window follows them, and that opening
+// and closing them leaves nothing behind.
+#include <cairo.h>
+#include <sys/stat.h>
+
+#include <cmath>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "TestSupport.h"
+#include "X11TestEditor.h"
+
+using namespace AAXHostTest;
+using nlohmann::json;
+
+namespace {
+
+struct SEditorCase {
+    const char* name;
+    std::string bundle;
+    int width, height;        // the size the editor asks for
+    const char* volumeID;     // the parameter its button sets
+};
+
+std::vector<SEditorCase> TestEditors()
+{
+    const std::string standard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/";
+    return {{"Tavrion V2 (CLASSIC, the default product)", AAXHOST_DEFAULT_BUNDLE, 400, 240, "0"},
+            {"Tavrion V2 (STANDARD)", standard + "Tavrion V2.aaxplugin", 400, 240, "0"},
+            {"VST 3 test synth (STANDARD)", standard + "MrvTestSynth.aaxplugin", 400, 300, "0"}};
+}
+
+bool Exists(const std::string& path)
+{
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0;
+}
+
+// A PNG read back: its size and 0xRRGGBB pixels.
+struct SImage {
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels;
+    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+};
+
+SImage ReadPng(const std::string& path)
+{
+    SImage image;
+    cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
+    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
+        image.width = cairo_image_surface_get_width(surface);
+        image.height = cairo_image_surface_get_height(surface);
+        const unsigned char* data = cairo_image_surface_get_data(surface);
+        const int stride = cairo_image_surface_get_stride(surface);
+        for (int y = 0; y < image.height; ++y)
+            for (int x = 0; x < image.width; ++x)
+                image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] & 0xFFFFFF);
+    }
+    cairo_surface_destroy(surface);
+    return image;
+}
+
+json Gui(const std::string& bundle, std::vector<std::string> extra, SRunResult* run = nullptr)
+{
+    std::vector<std::string> args{"gui", bundle, "--json"};
+    args.insert(args.end(), extra.begin(), extra.end());
+    const SRunResult r = RunHost(args);
+    if (run)
+        *run = r;
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    return r.Json();
+}
+
+std::vector<std::string> PluginAutomation(const json& report, const std::string& id)
+{
+    std::vector<std::string> kinds;
+    for (const auto& a : report["automation"])
+        if (a["origin"] == "plugin" && a["parameter"] == id && a["kind"] != "register")
+            kinds.push_back(a["kind"].get<std::string>() + (a["kind"] == "set" ? "=" + a["value"].dump() : ""));
+    return kinds;
+}
+
+std::string Center(const MrvEditor::SBox& box)
+{
+    return std::to_string(box.x + box.width / 2) + "," + std::to_string(box.y + box.height / 2);
+}
+
+}  // namespace
+
+TEST(EditorWindow, TestEditorsDrawTheirPatternAtTheSizeTheyAskFor)
+{
+    for (const SEditorCase& c : TestEditors()) {
+        SCOPED_TRACE(c.name);
+        const std::string shot = TempDir("editor-pattern") + "/shot.png";
+        const json report = Gui(c.bundle, {"--seconds", "0.5", "--screenshot", shot});
+        ASSERT_TRUE(report.is_object());
+        EXPECT_EQ(report["windowed"], true);
+        EXPECT_EQ(report["window"], (json{{"width", c.width}, {"height", c.height}}));
+        EXPECT_EQ(report["x_errors"], 0);
+        const SImage image = ReadPng(shot);
+        ASSERT_EQ(image.width, c.width);
+        ASSERT_EQ(image.height, c.height);
+        using namespace MrvEditor;
+        EXPECT_EQ(image.At(kButton.x + 5, kButton.y + 5), kButtonColour);
+        EXPECT_EQ(image.At(kButton.x + kButton.width - 1, kButton.y + kButton.height - 1), kButtonColour);
+        EXPECT_EQ(image.At(kGrow.x + 50, kGrow.y + 20), kGrowColour);
+        EXPECT_EQ(image.At(kButton.x - 1, kButton.y), kBackgroundColour);  // just outside the button
+        EXPECT_EQ(image.At(c.width - 1, c.height - 1), kBackgroundColour);
+    }
+}
+
+TEST(EditorWindow, AClickOnTheEditorIsAUserEditThatReachesTheSound)
+{
+    for (const SEditorCase& c : TestEditors()) {
+        SCOPED_TRACE(c.name);
+        const json report = Gui(c.bundle, {"--seconds", "0.6", "--click", Center(MrvEditor::kButton)});
+        ASSERT_TRUE(report.is_object());
+        // Touch and release around the set; the wrapper's own set adds a
+        // nested touch and release, as its parameters do for every edit.
+        const std::vector<std::string> kinds = PluginAutomation(report, c.volumeID);
+        ASSERT_FALSE(kinds.empty());
+        EXPECT_EQ(kinds.front(), "touch");
+        EXPECT_EQ(kinds.back(), "release");
+        EXPECT_NE(std::find(kinds.begin(), kinds.end(), "set=0.0"), kinds.end()) << ::testing::PrintToString(kinds);
+    }
+
+    // Clicked while a chord plays: the button mutes, so the end is silent.
+    const std::string dir = TempDir("editor-click-render");
+    WriteMidiFile(dir + "/chord.mid", {{0.0, 8.0, 60, 100}, {0.0, 8.0, 64, 100}});
+    for (bool click : {false, true}) {
+        std::vector<std::string> args{"render", AAXHOST_DEFAULT_BUNDLE, "--midi", dir + "/chord.mid", "--seconds",
+                                      "2", "--out", dir + "/out.wav", "--editor-at", "0.5"};
+        if (click)
+            args.insert(args.end(), {"--click", Center(MrvEditor::kButton)});
+        const SRunResult r = RunHost(args);
+        ASSERT_EQ(r.exitCode, 0) << r.err;
+        const auto channels = ReadWavChannels(dir + "/out.wav");
+        ASSERT_FALSE(channels.empty());
+        const std::vector<float> tail(channels[0].end() - 24000, channels[0].end());
+        if (click)
+            EXPECT_EQ(Peak(tail), 0.0f);
+        else
+            EXPECT_GT(Peak(tail), 0.01f);
+    }
+}
+
+TEST(EditorWindow, TheWindowFollowsTheEditorsResizeRequests)
+{
+    for (const SEditorCase& c : TestEditors()) {
+        SCOPED_TRACE(c.name);
+        const std::string shot = TempDir("editor-resize") + "/shot.png";
+        const json report = Gui(c.bundle, {"--seconds", "0.6", "--click", Center(MrvEditor::kGrow), "--screenshot", shot});
+        ASSERT_TRUE(report.is_object());
+        const int grown = c.height + MrvEditor::kGrowStep;
+        EXPECT_EQ(report["requested_sizes"].back(), (json{{"width", c.width}, {"height", grown}}));
+        EXPECT_EQ(report["window"], (json{{"width", c.width}, {"height", grown}}));
+        const SImage image = ReadPng(shot);
+        EXPECT_EQ(image.height, grown);
+        // The editor drew its new part too.
+        EXPECT_EQ(image.At(c.width / 2, grown - 2), MrvEditor::kBackgroundColour);
+    }
+}
+
+TEST(EditorWindow, OpeningAndClosingAHundredTimesLeavesNothingBehind)
+{
+    for (const SEditorCase& c : TestEditors()) {
+        SCOPED_TRACE(c.name);
+        const json report = Gui(c.bundle, {"--cycles", "100", "--seconds", "0.02"});
+        ASSERT_TRUE(report.is_object());
+        EXPECT_EQ(report["x_errors"], 0);
+        EXPECT_EQ(report["open_files"]["after_last_view"], report["open_files"]["after_first_view"]);
+    }
+}
+
+TEST(EditorWindow, DebianPluginEditorsOpenDrawAndClose)
+{
+    for (const char* name : {"amsynth", "Nekobi"}) {
+        const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
+        if (!Exists(bundle))
+            GTEST_SKIP() << name << " is not installed";
+        SCOPED_TRACE(name);
+        const std::string shot = TempDir("editor-debian") + "/shot.png";
+        const json report = Gui(bundle, {"--seconds", "1.5", "--screenshot", shot, "--cycles", "2"});
+        ASSERT_TRUE(report.is_object());
+        EXPECT_EQ(report["x_errors"], 0);
+        const SImage image = ReadPng(shot);
+        ASSERT_GT(image.width, 100);
+        std::set<uint32_t> colours(image.pixels.begin(), image.pixels.end());
+        EXPECT_GT(colours.size(), 50u) << "the editor drew next to nothing";
+    }
+}
+
+TEST(EditorWindow, WithoutADisplayTheViewOpensWithoutAWindow)
+{
+    const SRunResult r = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--json"}, {"DISPLAY="});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_NE(r.err.find("DISPLAY is not set"), std::string::npos) << r.err;
+    EXPECT_EQ(r.Json()["windowed"], false);
+    const SRunResult shot = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--screenshot", "x.png"}, {"DISPLAY="});
+    EXPECT_EQ(shot.exitCode, 1);
+    EXPECT_NE(shot.err.find("--screenshot and --click need a window"), std::string::npos) << shot.err;
+}
