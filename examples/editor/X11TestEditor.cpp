@@ -7,6 +7,28 @@ namespace MrvEditor {
 
 namespace {
 
+bool gTrapped = false;
+int TrapError(Display*, XErrorEvent*)
+{
+    gTrapped = true;
+    return 0;
+}
+
+// A host may hand over something that is no window (a test's made-up
+// pointer): creating a child of it would end the process in Xlib's default
+// error handler. Asked with a handler of our own, then the host's again.
+bool IsWindow(Display* display, Window window)
+{
+    XSync(display, False);
+    gTrapped = false;
+    XErrorHandler previous = XSetErrorHandler(&TrapError);
+    XWindowAttributes attributes{};
+    const Status found = XGetWindowAttributes(display, window, &attributes);
+    XSync(display, False);
+    XSetErrorHandler(previous);
+    return found != 0 && !gTrapped;
+}
+
 unsigned long PixelOf(Display* display, uint32_t rgb)
 {
     XColor colour{};
@@ -28,6 +50,10 @@ bool CX11TestEditor::Open(uintptr_t parent, int width, int height, SHandlers han
     Display* display = XOpenDisplay(nullptr);
     if (display == nullptr)
         return false;
+    if (!IsWindow(display, static_cast<Window>(parent))) {
+        XCloseDisplay(display);
+        return false;
+    }
     mDisplay = display;
     mHandlers = std::move(handlers);
     mWidth = width;

@@ -151,7 +151,16 @@ VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, voi
             return 0;
         *static_cast<ERect**>(ptr) = &mRect;
         return 1;
-    case effEditOpen: mRecorder.Line("editor-parent %s", ptr != nullptr ? "set" : "null"); return 1;
+    case effEditOpen:
+        mRecorder.Line("editor-parent %s", ptr != nullptr ? "set" : "null");
+#ifdef MRV_HAS_X11_EDITOR
+        OpenX11Editor(ptr);
+#endif
+        return 1;
+#ifdef MRV_HAS_X11_EDITOR
+    case effEditIdle: mEditor.Idle(); return 0;
+    case effEditClose: mEditor.Close(); return 0;
+#endif
     case effGetChunk: return GetChunk(static_cast<void**>(ptr));
     case effSetChunk: return SetChunk(index, ptr, value);
     case effProcessEvents: return ProcessEvents(static_cast<const VstEvents*>(ptr));
@@ -343,5 +352,26 @@ AEffect* CreateProbe(audioMasterCallback host, const char* entryName)
         return nullptr;
     return (new CProbe(host, entryName))->Effect();
 }
+
+#ifdef MRV_HAS_X11_EDITOR
+void CProbe::OpenX11Editor(void* parent)
+{
+    MrvEditor::CX11TestEditor::SHandlers handlers;
+    handlers.onButton = [this] {
+        mRecorder.Line("editor-click button");
+        mHost(&mEffect, audioMasterBeginEdit, 0, 0, nullptr, 0.0f);
+        mHost(&mEffect, audioMasterAutomate, 0, 0, nullptr, 0.0f);
+        mHost(&mEffect, audioMasterEndEdit, 0, 0, nullptr, 0.0f);
+    };
+    handlers.onGrow = [this] {
+        mRect.bottom = static_cast<short>(mRect.bottom + MrvEditor::kGrowStep);
+        mHost(&mEffect, audioMasterSizeWindow, mRect.right - mRect.left, mRect.bottom - mRect.top, nullptr, 0.0f);
+        mEditor.Resize(mRect.right - mRect.left, mRect.bottom - mRect.top);
+    };
+    if (mEditor.Open(reinterpret_cast<uintptr_t>(parent), mRect.right - mRect.left, mRect.bottom - mRect.top,
+                     std::move(handlers)))
+        mRecorder.Line("editor-x11 open");
+}
+#endif
 
 }  // namespace Vst2Probe

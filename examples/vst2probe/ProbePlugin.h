@@ -18,6 +18,9 @@
 
 #include "ProbeRecorder.h"
 #include "vst2/VstInterface.h"
+#ifdef MRV_HAS_X11_EDITOR
+#include "X11TestEditor.h"
+#endif
 
 namespace Vst2Probe {
 
@@ -60,6 +63,12 @@ private:
     int mProgram = 0;
     std::vector<unsigned char> mChunk;
     ERect mRect{0, 0, 150, 300};
+#ifdef MRV_HAS_X11_EDITOR
+    // On Linux, drawn into the host's X11 window; its button is a user edit
+    // of parameter 0 (begin, automate, end), its other control grows it.
+    MrvEditor::CX11TestEditor mEditor;
+    void OpenX11Editor(void* parent);
+#endif
     Action mActions[kMaxActions];
     int mActionCount = 0;
 };

@@ -30,7 +30,8 @@ std::vector<SEditorCase> TestEditors()
     const std::string standard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/";
     return {{"Tavrion V2 (CLASSIC, the default product)", AAXHOST_DEFAULT_BUNDLE, 400, 240, "0"},
             {"Tavrion V2 (STANDARD)", standard + "Tavrion V2.aaxplugin", 400, 240, "0"},
-            {"VST 3 test synth (STANDARD)", standard + "MrvTestSynth.aaxplugin", 400, 300, "0"}};
+            {"VST 3 test synth (STANDARD)", standard + "MrvTestSynth.aaxplugin", 400, 300, "0"},
+            {"VST 2 probe (CLASSIC)", std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin", 300, 150, "0"}};
 }
 
 bool Exists(const std::string& path)

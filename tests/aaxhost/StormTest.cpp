@@ -66,7 +66,7 @@ void Storm(const std::string& bundle, const std::string& parameter)
         }
         if (round % 8 == 0) {
             EXPECT_TRUE(editor.Open(instance, error)) << error;
-            editor.Idle();
+            EXPECT_TRUE(editor.Idle(error)) << error;
             editor.Close();
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
