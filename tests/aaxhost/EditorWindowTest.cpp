@@ -64,13 +64,11 @@ SImage ReadPng(const std::string& path)
     return image;
 }
 
-json Gui(const std::string& bundle, std::vector<std::string> extra, SRunResult* run = nullptr)
+json Gui(const std::string& bundle, std::vector<std::string> extra, const std::vector<std::string>& env = {})
 {
     std::vector<std::string> args{"gui", bundle, "--json"};
     args.insert(args.end(), extra.begin(), extra.end());
-    const SRunResult r = RunHost(args);
-    if (run)
-        *run = r;
+    const SRunResult r = RunHost(args, env);
     EXPECT_EQ(r.exitCode, 0) << r.err;
     return r.Json();
 }
@@ -184,7 +182,10 @@ TEST(EditorWindow, DebianPluginEditorsOpenDrawAndClose)
             GTEST_SKIP() << name << " is not installed";
         SCOPED_TRACE(name);
         const std::string shot = TempDir("editor-debian") + "/shot.png";
-        const json report = Gui(bundle, {"--seconds", "1.5", "--screenshot", shot, "--cycles", "2"});
+        // Their toolkits (GTK, Mesa's GL drivers) keep memory to the end of
+        // the process; in a sanitizer build that is not ours to report.
+        const json report =
+            Gui(bundle, {"--seconds", "1.5", "--screenshot", shot, "--cycles", "2"}, {"ASAN_OPTIONS=detect_leaks=0"});
         ASSERT_TRUE(report.is_object());
         EXPECT_EQ(report["x_errors"], 0);
         const SImage image = ReadPng(shot);

@@ -23,6 +23,8 @@ namespace {
 constexpr auto kTimerPeriod = std::chrono::milliseconds(15);
 // The click comes once the editor has had time to draw.
 constexpr double kClickAt = 0.4;
+constexpr int kTicksBeforeClick = 20;
+constexpr int kTicksAfterClick = 10;
 
 bool SameSize(const AAX_Point& a, const AAX_Point& b) { return a.horz == b.horz && a.vert == b.vert; }
 
@@ -89,10 +91,18 @@ private:
         const auto clickTime = start + std::chrono::duration<double>(kClickAt * mConfig.seconds);
         const auto end = start + std::chrono::duration<double>(mConfig.seconds);
         bool clicked = !mConfig.click;
-        while (std::chrono::steady_clock::now() < end) {
+        int ticks = 0, ticksSinceClick = 0;
+        // The editor draws and reads its clicks on its own connection, in
+        // its timer calls: however slow the machine, it gets a few calls
+        // before the click and after it.
+        while (std::chrono::steady_clock::now() < end ||
+               (mConfig.click && (ticks < kTicksBeforeClick || ticksSinceClick < kTicksAfterClick))) {
             mWindow->Pump();
             Tick();
-            if (!clicked && std::chrono::steady_clock::now() >= clickTime) {
+            ++ticks;
+            if (clicked)
+                ++ticksSinceClick;
+            if (!clicked && ticks >= kTicksBeforeClick && std::chrono::steady_clock::now() >= clickTime) {
                 if (!mWindow->Click(mConfig.clickX, mConfig.clickY, error))
                     return false;
                 clicked = true;
@@ -101,13 +111,20 @@ private:
             }
             std::this_thread::sleep_for(kTimerPeriod);
         }
-        // What the editor drew last, after its final timer call.
-        Tick();
         if (!mConfig.screenshot.empty()) {
+            // What the editor drew last: a few more timer calls, with time
+            // for the server to carry out what it sent on its connection.
+            for (int i = 0; i < kTicksBeforeClick / 4; ++i) {
+                mWindow->Pump();
+                Tick();
+                std::this_thread::sleep_for(kTimerPeriod);
+            }
             if (!mWindow->Screenshot(mConfig.screenshot, error))
                 return false;
             if (mConfig.print)
                 std::printf("screenshot %s\n", mConfig.screenshot.c_str());
+        } else {
+            Tick();
         }
         return true;
     }
