@@ -16,7 +16,7 @@ const ViewRect kInitialRect(0, 0, 400, 300);
 #ifdef MRV_HAS_X11_EDITOR
 // What the run loop calls: the X connection became readable, or the timer
 // fired. Either way the editor handles what is pending. Owned by the view.
-class SynthView::RunLoopClient : public Linux::IEventHandler, public Linux::ITimerHandler {
+class SynthView::RunLoopClient final : public Linux::IEventHandler, public Linux::ITimerHandler {
 public:
     explicit RunLoopClient(MrvEditor::CX11TestEditor& editor) : mEditor(editor) {}
     void PLUGIN_API onFDIsSet(Linux::FileDescriptor) override { mEditor.Idle(); }
