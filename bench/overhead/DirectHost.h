@@ -40,6 +40,9 @@ std::unique_ptr<IDirectHost> MakeDirectVst3Host();
 
 // The transport both sides see: 120 bpm, 4/4, playing.
 constexpr double kTempo = 120.0;
-double QuarterNotesAt(int64_t position, double sampleRate);
+inline double QuarterNotesAt(int64_t position, double sampleRate)
+{
+    return static_cast<double>(position) / sampleRate * kTempo / 60.0;
+}
 
 }  // namespace BenchOverhead

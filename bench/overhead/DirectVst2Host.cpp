@@ -10,11 +10,6 @@
 
 namespace BenchOverhead {
 
-double QuarterNotesAt(int64_t position, double sampleRate)
-{
-    return static_cast<double>(position) / sampleRate * kTempo / 60.0;
-}
-
 namespace {
 
 constexpr VstInt32 kStandardBlock = 4096;  // what the STANDARD wrapper announces

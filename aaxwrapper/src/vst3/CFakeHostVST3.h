@@ -59,11 +59,9 @@ public:
     bool GetState(unsigned int* outSize, void* outpData) override;
     bool SetState(unsigned int inSize, void* inpData) override;
 
-    // Real-time thread: the buffer's MIDI packets become events and changes.
-    void PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
-                         Morvane::vst3::ParameterChanges& changes);
-    // The same for the packets of one slice [start, start + frames) of the
-    // buffer, rebased to the slice; the last slice also takes late stamps.
+    // Real-time thread: the MIDI packets of one slice [start, start + frames)
+    // of the buffer, rebased to the slice, become events and changes; the
+    // last slice also takes late stamps.
     void PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
                          Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes);
 

@@ -148,17 +148,6 @@ void CFakeHostVST3::ForwardOutputEvents(S_Alg_Context* context, int32_t start)
     events->clear();
 }
 
-void CFakeHostVST3::PushInputEvents(AAX_IMIDINode* midiNode, Morvane::vst3::EventList* events,
-                                    Morvane::vst3::ParameterChanges& changes)
-{
-    if (!midiNode || !mVst3Loader)
-        return;
-    AAX_CMidiStream* stream = midiNode->GetNodeBuffer();
-    if (!stream)
-        return;
-    PushSliceEvents(*stream, 0, INT32_MAX, true, events, changes);
-}
-
 namespace {
 
 // The VST 3 event of a note-on, note-off or poly-pressure message, at

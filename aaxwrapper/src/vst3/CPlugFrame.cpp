@@ -56,6 +56,26 @@ tresult PLUGIN_API CPlugFrame::resizeView(IPlugView* /*view*/, ViewRect* newSize
 
 #if !defined(__APPLE__) && !defined(_WIN32)
 
+namespace {
+
+// Drops every entry of `handler`, giving back the reference each one held.
+template <typename Entry, typename Handler>
+bool ReleaseEntriesOf(std::vector<Entry>& entries, Handler* handler)
+{
+    // A partition, not remove_if: the dropped entries must still be there
+    // to be released.
+    const auto first = std::stable_partition(entries.begin(), entries.end(), [handler](const Entry& e) {
+        return e.handler != handler;
+    });
+    for (auto it = first; it != entries.end(); ++it)
+        it->handler->release();
+    const bool found = first != entries.end();
+    entries.erase(first, entries.end());
+    return found;
+}
+
+}  // namespace
+
 tresult PLUGIN_API CPlugFrame::registerEventHandler(Linux::IEventHandler* handler, Linux::FileDescriptor fd)
 {
     if (!handler || fd < 0)
@@ -67,17 +87,7 @@ tresult PLUGIN_API CPlugFrame::registerEventHandler(Linux::IEventHandler* handle
 
 tresult PLUGIN_API CPlugFrame::unregisterEventHandler(Linux::IEventHandler* handler)
 {
-    bool found = false;
-    for (auto it = mEventHandlers.begin(); it != mEventHandlers.end();) {
-        if (it->handler == handler) {
-            it->handler->release();
-            it = mEventHandlers.erase(it);
-            found = true;
-        } else {
-            ++it;
-        }
-    }
-    return found ? kResultOk : kInvalidArgument;
+    return ReleaseEntriesOf(mEventHandlers, handler) ? kResultOk : kInvalidArgument;
 }
 
 tresult PLUGIN_API CPlugFrame::registerTimer(Linux::ITimerHandler* handler, Linux::TimerInterval milliseconds)
@@ -92,17 +102,7 @@ tresult PLUGIN_API CPlugFrame::registerTimer(Linux::ITimerHandler* handler, Linu
 
 tresult PLUGIN_API CPlugFrame::unregisterTimer(Linux::ITimerHandler* handler)
 {
-    bool found = false;
-    for (auto it = mTimers.begin(); it != mTimers.end();) {
-        if (it->handler == handler) {
-            it->handler->release();
-            it = mTimers.erase(it);
-            found = true;
-        } else {
-            ++it;
-        }
-    }
-    return found ? kResultOk : kInvalidArgument;
+    return ReleaseEntriesOf(mTimers, handler) ? kResultOk : kInvalidArgument;
 }
 
 void CPlugFrame::ServiceRunLoop()

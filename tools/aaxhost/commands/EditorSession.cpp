@@ -1,7 +1,6 @@
 #include "EditorSession.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "AAX_IEffectGUI.h"
 #include "CrashReport.h"
@@ -68,16 +67,12 @@ bool CEditorSession::Open(CHostInstance& instance, std::string& error, bool wind
         return false;
     mGui = gui;
     mInstance = &instance;
-    const char* display = std::getenv("DISPLAY");
-    if (window && display != nullptr && *display != '\0') {
+    if (CX11Window::WantedAndPossible(window)) {
         mWindow = std::make_unique<CX11Window>();
         if (!mWindow->Open(100, 100, "aaxhost", error)) {
             Close();
             return false;
         }
-    } else if (window) {
-        std::fprintf(stderr, "aaxhost: note: DISPLAY is not set: the view opens in a container of type NULL, "
-                             "without a window\n");
     }
     mContainer = AttachViewContainer(mGui, mWindow ? mWindow->Id() : 0);
     if (mWindow) {

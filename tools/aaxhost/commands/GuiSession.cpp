@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <thread>
 
 #include "AAX_IEffectGUI.h"
@@ -181,11 +180,7 @@ bool RunGui(CPluginSession& session, const SGuiConfig& config, SGuiReport& repor
     if (!instance.Create(error))
         return false;
 
-    const char* display = std::getenv("DISPLAY");
-    report.windowed = config.window && display != nullptr && *display != '\0';
-    if (config.window && !report.windowed)
-        std::fprintf(stderr, "aaxhost: note: DISPLAY is not set: the view opens in a container of type NULL, "
-                             "without a window\n");
+    report.windowed = CX11Window::WantedAndPossible(config.window);
     if (!report.windowed && (!config.screenshot.empty() || config.click)) {
         error = "--screenshot and --click need a window: set DISPLAY (xvfb-run gives one)";
         instance.Destroy();

@@ -6,6 +6,8 @@
 #include <cairo.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 namespace AAXHost {
@@ -56,6 +58,16 @@ Display* HostDisplay()
 }  // namespace
 
 int CX11Window::Errors() { return gErrors.load(); }
+
+bool CX11Window::WantedAndPossible(bool wanted)
+{
+    const char* display = std::getenv("DISPLAY");
+    const bool possible = display != nullptr && *display != '\0';
+    if (wanted && !possible)
+        std::fprintf(stderr, "aaxhost: note: DISPLAY is not set: the view opens in a container of type NULL, "
+                             "without a window\n");
+    return wanted && possible;
+}
 
 bool CX11Window::Open(int width, int height, const std::string& title, std::string& error)
 {

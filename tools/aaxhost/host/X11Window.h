@@ -34,6 +34,10 @@ public:
     bool Click(int x, int y, std::string& error);
     // X protocol errors reported in this process since the first Open.
     static int Errors();
+    // Whether a window was asked for and DISPLAY names a display; when asked
+    // for but there is none, a note on standard error says the view opens
+    // without a window.
+    static bool WantedAndPossible(bool wanted);
 
 private:
     _XDisplay* mDisplay = nullptr;
