@@ -1,6 +1,8 @@
 #include "EditorSession.h"
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "AAX_IEffectGUI.h"
 #include "CrashReport.h"
@@ -10,6 +12,11 @@
 #include "X11Window.h"
 
 namespace AAXHost {
+
+namespace {
+// At most 3 s for an editor's window to appear under a click.
+constexpr int kEditorWaitTicks = 300;
+}  // namespace
 
 AAX_IACFEffectGUI* CreateEffectGui(CHostInstance& instance, std::string& error, const char* phase)
 {
@@ -101,6 +108,13 @@ bool CEditorSession::Idle(std::string& error)
         if (!mWindow) {
             error = "--click needs a window: set DISPLAY (xvfb-run gives one)";
             return false;
+        }
+        // A render runs faster than the server shows the editor's window:
+        // wait (with its timer running) until the point is on the editor.
+        for (int wait = 0; wait < kEditorWaitTicks && !mWindow->HasChildAt(mClickX, mClickY); ++wait) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            mWindow->Pump();
+            mGui->TimerWakeup();
         }
         return mWindow->Click(mClickX, mClickY, error);
     }

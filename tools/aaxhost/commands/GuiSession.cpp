@@ -24,6 +24,7 @@ constexpr auto kTimerPeriod = std::chrono::milliseconds(15);
 constexpr double kClickAt = 0.4;
 constexpr int kTicksBeforeClick = 20;
 constexpr int kTicksAfterClick = 10;
+constexpr int kTicksWaitingForEditor = 200;
 
 bool SameSize(const AAX_Point& a, const AAX_Point& b) { return a.horz == b.horz && a.vert == b.vert; }
 
@@ -101,7 +102,10 @@ private:
             ++ticks;
             if (clicked)
                 ++ticksSinceClick;
-            if (!clicked && ticks >= kTicksBeforeClick && std::chrono::steady_clock::now() >= clickTime) {
+            // Not before the editor's window covers the point, or the click
+            // lands on the host's window (give up waiting after 3 s more).
+            if (!clicked && ticks >= kTicksBeforeClick && std::chrono::steady_clock::now() >= clickTime &&
+                (mWindow->HasChildAt(mConfig.clickX, mConfig.clickY) || ticks >= kTicksBeforeClick + kTicksWaitingForEditor)) {
                 if (!mWindow->Click(mConfig.clickX, mConfig.clickY, error))
                     return false;
                 clicked = true;

@@ -179,6 +179,17 @@ bool CX11Window::Screenshot(const std::string& path, std::string& error)
     return true;
 }
 
+bool CX11Window::HasChildAt(int x, int y) const
+{
+    if (mDisplay == nullptr)
+        return false;
+    XSync(mDisplay, False);
+    int childX = 0, childY = 0;
+    Window child = 0;
+    XTranslateCoordinates(mDisplay, mWindow, mWindow, x, y, &childX, &childY, &child);
+    return child != 0;
+}
+
 bool CX11Window::Click(int x, int y, std::string& error)
 {
     if (mDisplay == nullptr) {

@@ -30,6 +30,9 @@ public:
     void Pump();
     // The window's pixels, child windows included, as a PNG file.
     bool Screenshot(const std::string& path, std::string& error);
+    // Whether a mapped child window (the editor's) covers window point x,y:
+    // a click before then would land on the host's window.
+    bool HasChildAt(int x, int y) const;
     // Moves the pointer to window coordinates and clicks button 1.
     bool Click(int x, int y, std::string& error);
     // X protocol errors reported in this process since the first Open.
