@@ -14,6 +14,7 @@ namespace {
 const char* volatile gPhase = "starting";
 volatile bool gPhaseIsHost = true;
 volatile bool gNormalExit = false;
+PhaseListener volatile gListener = nullptr;
 
 void WriteText(const char* text)
 {
@@ -64,13 +65,19 @@ void SetPhase(const char* phase)
 {
     gPhase = phase;
     gPhaseIsHost = false;
+    if (PhaseListener listener = gListener)
+        listener(phase, false);
 }
 
 void SetHostPhase(const char* phase)
 {
     gPhase = phase;
     gPhaseIsHost = true;
+    if (PhaseListener listener = gListener)
+        listener(phase, true);
 }
+
+void SetPhaseListener(PhaseListener listener) { gListener = listener; }
 
 void MarkNormalExit() { gNormalExit = true; }
 

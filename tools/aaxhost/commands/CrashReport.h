@@ -14,6 +14,10 @@ void InstallExitReport();
 // literal (or otherwise live for the whole run).
 void SetPhase(const char* phase);
 void SetHostPhase(const char* phase);
+// Told of every phase change (the validator's watchdog mirrors the phase
+// where its parent process can read it); null stops it.
+using PhaseListener = void (*)(const char* phase, bool isHost);
+void SetPhaseListener(PhaseListener listener);
 // Until called, a plug-in that ends the process (exit()) is reported, with
 // exit code 1 however it ended it.
 void MarkNormalExit();

@@ -10,25 +10,9 @@
 
 namespace AAXHost {
 
-bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
-                    SWrapperStatus& wrapper, std::string& error)
+bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo>& out, std::string& error)
 {
     out.clear();
-    const SEffectInfo* effect = session.FindEffect(effectID, error);
-    if (!effect)
-        return false;
-    const SComponentInfo* component = FindProcessingComponent(*effect);
-    static const SComponentInfo kNoComponent;
-    STransportState transport;
-    SInstanceConfig config;
-    SetPhase("instance creation");
-    CHostInstance instance(*effect, component ? *component : kNoComponent, config, transport);
-    const bool created = instance.Create(error);
-    wrapper = instance.WrapperStatus();
-    if (!created)
-        return false;
-    SetPhase("reading parameters");
-    AAX_IACFEffectParameters& params = *instance.Effect();
     int32_t count = 0;
     AAX_Result r = params.GetNumberOfParameters(&count);
     if (r != AAX_SUCCESS || count < 0 || count > 100000) {
@@ -55,12 +39,38 @@ bool ListParameters(CPluginSession& session, const std::string& effectID, std::v
         params.GetParameterValueString(pid, &text, 64);
         p.valueText = text.Text();
         params.GetParameterNumberOfSteps(pid, &p.steps);
+        AAX_EParameterType type = AAX_eParameterType_Continuous;
+        params.GetParameterType(pid, &type);
+        p.discrete = type == AAX_eParameterType_Discrete;
         AAX_CBoolean automatable = 0;
         params.GetParameterIsAutomatable(pid, &automatable);
         p.automatable = automatable != 0;
         p.isMasterBypass = p.id == bypass.Text();
         out.push_back(std::move(p));
     }
+    return true;
+}
+
+bool ListParameters(CPluginSession& session, const std::string& effectID, std::vector<SParameterInfo>& out,
+                    SWrapperStatus& wrapper, std::string& error)
+{
+    out.clear();
+    const SEffectInfo* effect = session.FindEffect(effectID, error);
+    if (!effect)
+        return false;
+    const SComponentInfo* component = FindProcessingComponent(*effect);
+    static const SComponentInfo kNoComponent;
+    STransportState transport;
+    SInstanceConfig config;
+    SetPhase("instance creation");
+    CHostInstance instance(*effect, component ? *component : kNoComponent, config, transport);
+    const bool created = instance.Create(error);
+    wrapper = instance.WrapperStatus();
+    if (!created)
+        return false;
+    SetPhase("reading parameters");
+    if (!ReadParameters(*instance.Effect(), out, error))
+        return false;
     instance.Destroy();
     return true;
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "AAX_IEffectParameters.h"
 #include "WrapperStatus.h"
 
 namespace AAXHost {
@@ -20,9 +21,13 @@ struct SParameterInfo {
     double defaultValue = 0.0;  // normalised
     std::string valueText;
     int32_t steps = 0;
+    bool discrete = false;  // its values lie on its steps
     bool automatable = false;
     bool isMasterBypass = false;
 };
+
+// Every parameter of an effect instance, in index order.
+bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo>& out, std::string& error);
 
 // `wrapper` receives what a wrapper bundle says of its plug-in (host mode,
 // file); it stays empty for other bundles.

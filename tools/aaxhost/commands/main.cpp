@@ -12,6 +12,7 @@
 #include "ParameterList.h"
 #include "PluginSession.h"
 #include "Renderer.h"
+#include "ValidateCommand.h"
 #include "WrapperStatus.h"
 
 using namespace AAXHost;
@@ -191,6 +192,20 @@ int main(int argc, char** argv)
     gui->add_option("--effect", gc.effectID, "Effect ID to open (default: the first)");
     gui->add_flag("--json", json, "Print the sizes as JSON");
 
+    SValidateConfig vc;
+    auto* validate = app.add_subcommand("validate", "Run the named checks a host's validator makes; exit 0 only when all pass");
+    validate->add_option("bundle", vc.bundle, "Path of the .aaxplugin bundle")->required();
+    validate->add_option("--level", vc.level, "Strictness from 1 to 10: how many rounds, rates and buffers")
+        ->check(CLI::Range(1, 10))
+        ->capture_default_str();
+    validate->add_option("--only", vc.only, "Run only these checks (by name)");
+    validate->add_option("--seed", vc.seed, "Seed of the random values (default: a new one, printed)");
+    validate->add_option("--timeout", vc.timeout, "Seconds one plug-in call may take before it counts as hung")
+        ->check(CLI::Range(0.1, 3600.0))
+        ->capture_default_str();
+    validate->add_flag("--json", vc.json, "Print the aaxhost-validate-1 JSON document");
+    validate->add_flag("--no-progress", noProgress, "Never show the progress bar");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -200,12 +215,19 @@ int main(int argc, char** argv)
             return app.exit(e);
         return Fail(e.what());
     }
-    // Sanitizer builds report crashes themselves, in more detail.
+    // Sanitizer builds report crashes themselves, in more detail. validate
+    // runs each check in a child process whose death by a signal its parent
+    // reports.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    InstallCrashReport();
+    if (!*validate)
+        InstallCrashReport();
 #endif
     InstallExitReport();
     const auto run = [&]() -> int {
+        if (*validate) {
+            vc.progress = !noProgress;
+            return RunValidate(vc);
+        }
         if (*describe)
             return Describe(bundle, json);
         if (*params)

@@ -1,0 +1,104 @@
+// The allocation hooks behind AllocationCount: linked into the aaxhost
+// executable only. A normal build replaces the C allocator's entry points
+// (the executable comes first in symbol lookup, so every loaded plug-in
+// calls these) and forwards to glibc's own; a sanitizer build owns malloc
+// already and offers hooks instead.
+#include <cstddef>
+
+#include "AllocationCount.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/allocator_interface.h>
+
+namespace {
+
+void OnMalloc(const volatile void*, size_t) { AAXHost::RecordAllocationEvent(false); }
+void OnFree(const volatile void*) { AAXHost::RecordAllocationEvent(true); }
+
+const bool kInstalled = [] {
+    const bool ok = __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree) != 0;
+    if (ok)
+        AAXHost::MarkAllocationHooksInstalled();
+    return ok;
+}();
+
+}  // namespace
+
+#else
+
+extern "C" {
+void* __libc_malloc(size_t);
+void __libc_free(void*);
+void* __libc_calloc(size_t, size_t);
+void* __libc_realloc(void*, size_t);
+void* __libc_memalign(size_t, size_t);
+void* __libc_valloc(size_t);
+void* __libc_pvalloc(size_t);
+
+void* malloc(size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_malloc(size);
+}
+
+void free(void* p)
+{
+    if (p)
+        AAXHost::RecordAllocationEvent(true);
+    __libc_free(p);
+}
+
+void* calloc(size_t n, size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_calloc(n, size);
+}
+
+void* realloc(void* p, size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_realloc(p, size);
+}
+
+void* memalign(size_t alignment, size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_memalign(alignment, size);
+}
+
+void* aligned_alloc(size_t alignment, size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_memalign(alignment, size);
+}
+
+int posix_memalign(void** out, size_t alignment, size_t size)
+{
+    if (alignment < sizeof(void*) || (alignment & (alignment - 1)) != 0)
+        return 22;  // EINVAL
+    AAXHost::RecordAllocationEvent(false);
+    void* p = __libc_memalign(alignment, size);
+    if (!p)
+        return 12;  // ENOMEM
+    *out = p;
+    return 0;
+}
+
+void* valloc(size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_valloc(size);
+}
+
+void* pvalloc(size_t size)
+{
+    AAXHost::RecordAllocationEvent(false);
+    return __libc_pvalloc(size);
+}
+}
+
+namespace {
+const bool kInstalled = (AAXHost::MarkAllocationHooksInstalled(), true);
+}
+
+#endif

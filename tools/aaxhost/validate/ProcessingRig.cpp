@@ -1,0 +1,130 @@
+#include "ProcessingRig.h"
+
+#include <cmath>
+
+#include "AllocationCount.h"
+#include "CheckProcess.h"
+#include "RenderOutputs.h"
+#include "TestSignal.h"
+
+namespace AAXHost {
+
+namespace {
+
+constexpr unsigned char kChord[] = {48, 60, 64, 67};
+
+void AddNotes(std::vector<AAX_CMidiPacket>& packets, uint32_t offset, unsigned char status)
+{
+    for (unsigned char note : kChord) {
+        AAX_CMidiPacket p;
+        p.mTimestamp = offset;
+        p.mLength = 3;
+        p.mData[0] = status;
+        p.mData[1] = note;
+        p.mData[2] = status == 0x90 ? 100 : 0;
+        packets.push_back(p);
+    }
+}
+
+}  // namespace
+
+CProcessingRig::CProcessingRig(const SEffectInfo& effect, const SComponentInfo& component, double sampleRate,
+                               int32_t maxBlock)
+    : mComponent(component), mSampleRate(sampleRate), mMaxBlock(maxBlock)
+{
+    mTransport.sampleRate = sampleRate;
+    SInstanceConfig config;
+    config.sampleRate = sampleRate;
+    config.maxBlock = maxBlock;
+    config.outputChannels = OutputChannelCount(component);
+    mInstance = std::make_unique<CHostInstance>(effect, component, config, mTransport);
+    mProcess = reinterpret_cast<AAX_CProcessProc>(component.processProcs.front().proc);
+    mPackets.reserve(64);
+}
+
+CProcessingRig::~CProcessingRig() = default;
+
+bool CProcessingRig::Create(std::string& error) { return mInstance->Create(error); }
+
+// A chord struck every 300 ms and released half-way.
+void CProcessingRig::Prepare(int32_t frames)
+{
+    mTransport.samplePosition = mPosition;
+    mPackets.clear();
+    if (mNotes && frames > 0) {
+        const int64_t period = std::max<int64_t>(2, static_cast<int64_t>(0.3 * mSampleRate));
+        for (int64_t s = mPosition; s < mPosition + frames; ++s) {
+            const int64_t phase = s % period;
+            if (phase == 0)
+                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x90);
+            else if (phase == period / 2)
+                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x80);
+        }
+    }
+    mInstance->PrepareBlock(mPosition, frames, mPackets);
+    if (mTestInput)
+        for (int ch = 0; ch < mInstance->InputChannels(); ++ch) {
+            float* in = mInstance->Input(ch);
+            for (int32_t i = 0; i < frames; ++i)
+                in[i] = TestInputSample(ch, mPosition + i, mSampleRate);
+        }
+}
+
+void CProcessingRig::Finish(int32_t frames)
+{
+    mInstance->FinishBlock();
+    for (int ch = 0; ch < mInstance->OutputChannels(); ++ch) {
+        const float* out = mInstance->Output(ch);
+        for (int32_t i = 0; i < frames; ++i) {
+            switch (std::fpclassify(out[i])) {
+            case FP_NAN: ++mCounts.nan; break;
+            case FP_INFINITE: ++mCounts.infinite; break;
+            case FP_SUBNORMAL: ++mCounts.denormal; break;
+            default: break;
+            }
+        }
+        mCounts.samples += static_cast<uint64_t>(frames);
+    }
+    mPosition += frames;
+    CheckBeat();
+}
+
+void CProcessingRig::Process(int32_t frames)
+{
+    Prepare(frames);
+    void* context = mInstance->Context();
+    if (mCountAllocations)
+        ArmAllocationCount(true);
+    mProcess(&context, &context + 1);
+    if (mCountAllocations)
+        ArmAllocationCount(false);
+    Finish(frames);
+}
+
+void CProcessingRig::ProcessTogether(const std::vector<CProcessingRig*>& rigs, int32_t frames)
+{
+    if (rigs.empty())
+        return;
+    std::vector<void*> contexts;
+    for (CProcessingRig* rig : rigs) {
+        rig->Prepare(frames);
+        contexts.push_back(rig->mInstance->Context());
+    }
+    rigs.front()->mProcess(contexts.data(), contexts.data() + contexts.size());
+    for (CProcessingRig* rig : rigs)
+        rig->Finish(frames);
+}
+
+float CProcessingRig::MainOutputDistanceFromInput(int32_t frames)
+{
+    float worst = 0.0f;
+    for (int ch = 0; ch < 2; ++ch) {
+        const float* out = mInstance->Output(ch);
+        const float* in = mInstance->Input(ch);
+        for (int32_t i = 0; i < frames; ++i)
+            worst = std::max(worst, std::fabs(out[i] - in[i]));
+    }
+    return worst;
+}
+
+}  // namespace AAXHost

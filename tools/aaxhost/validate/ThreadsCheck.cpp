@@ -1,0 +1,140 @@
+// threads: while an audio thread plays, the host's main thread sweeps
+// parameters, opens and closes the view and saves and restores chunks, as a
+// user does during playback. Faults show as crashes, NaN output, hangs, or
+// (in a ThreadSanitizer build) data race reports.
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "AAX_IEffectParameters.h"
+#include "CheckProcess.h"
+#include "CheckRegistry.h"
+#include "EditorSession.h"
+#include "ParameterList.h"
+#include "ProcessingRig.h"
+#include "StateFile.h"
+#include "ValidationContext.h"
+
+namespace AAXHost {
+
+namespace {
+
+constexpr int32_t kBlock = 256;
+
+using Clock = std::chrono::steady_clock;
+
+struct SMainThreadWork {
+    int parameterSets = 0;
+    int viewsOpened = 0;
+    int statesRestored = 0;
+};
+
+void SweepParameters(CValidationContext& context, CProcessingRig& rig, const std::vector<SParameterInfo>& params,
+                     SMainThreadWork& work)
+{
+    for (const SParameterInfo& p : params) {
+        if (p.isMasterBypass)
+            continue;
+        rig.Instance().SetParameter(p.id, context.RandomUnit());
+        ++work.parameterSets;
+    }
+}
+
+bool OpenAndCloseView(CProcessingRig& rig, SMainThreadWork& work, std::string& error)
+{
+    if (!rig.Instance().GuiFactory())
+        return true;
+    CEditorSession view;
+    if (!view.Open(rig.Instance(), error, true))
+        return false;
+    for (int i = 0; i < 3; ++i)
+        if (!view.Idle(error))
+            return false;
+    view.Close();
+    ++work.viewsOpened;
+    return true;
+}
+
+bool SaveAndRestore(CProcessingRig& rig, SMainThreadWork& work, std::string& error)
+{
+    std::vector<SStateChunk> chunks;
+    if (!SaveEffectState(*rig.Instance().Effect(), chunks, error))
+        return false;
+    if (!LoadEffectState(*rig.Instance().Effect(), chunks, error))
+        return false;
+    ++work.statesRestored;
+    return true;
+}
+
+}  // namespace
+
+void CheckThreads(CValidationContext& context, SCheckResult& result)
+{
+    std::string error;
+    if (!context.Open(error)) {
+        result.Fail(error);
+        return;
+    }
+    SetCheckPhase("threads: instance creation");
+    CProcessingRig rig(context.Effect(), context.Component(), 48000.0, kBlock);
+    if (!rig.Create(error)) {
+        result.Fail(error);
+        return;
+    }
+    std::vector<SParameterInfo> params;
+    if (!ReadParameters(*rig.Instance().Effect(), params, error)) {
+        result.Fail(error);
+        return;
+    }
+    const double seconds = context.Plan().threadSeconds;
+    // The audio thread stops by itself in time for a hung main thread to
+    // stop the watchdog's clock.
+    const auto audioDeadline =
+        Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                           std::chrono::duration<double>(seconds + context.Config().timeout * 0.5 + 1.0));
+    std::atomic<bool> stop{false};
+    std::atomic<int64_t> buffers{0};
+    std::thread audio([&] {
+        while (!stop.load(std::memory_order_acquire) && Clock::now() < audioDeadline) {
+            rig.Process(kBlock);
+            buffers.fetch_add(1, std::memory_order_relaxed);
+        }
+    });
+
+    SMainThreadWork work;
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    while (Clock::now() < end && result.passed) {
+        SetCheckPhase("threads: parameters set on the main thread during processing");
+        SweepParameters(context, rig, params, work);
+        SetCheckPhase("threads: the view opened and closed during processing");
+        if (!OpenAndCloseView(rig, work, error))
+            result.Fail("opening the view during processing: " + error);
+        SetCheckPhase("threads: state saved and restored during processing");
+        if (!SaveAndRestore(rig, work, error))
+            result.Fail("saving and restoring during processing: " + error);
+        SetCheckPhase("threads: the data model's timer during processing");
+        rig.Instance().Effect()->TimerWakeup();
+    }
+    stop.store(true, std::memory_order_release);
+    SetCheckPhase("threads: waiting for the audio thread");
+    audio.join();
+    const SSampleCounts& counts = rig.Counts();
+    if (counts.nan > 0 || counts.infinite > 0)
+        result.Fail(std::to_string(counts.nan) + " NaN and " + std::to_string(counts.infinite) +
+                    " infinite output samples while the main thread worked");
+    SetCheckPhase("threads: instance destruction");
+    rig.Instance().Destroy();
+    if (!context.Close(error))
+        result.Fail(error);
+    result.details = {{"audio_buffers", buffers.load()},
+                      {"parameter_sets", work.parameterSets},
+                      {"views_opened", work.viewsOpened},
+                      {"states_restored", work.statesRestored},
+                      {"nan", counts.nan},
+                      {"infinite", counts.infinite}};
+    result.Note(std::to_string(buffers.load()) + " audio buffers against " + std::to_string(work.parameterSets) +
+                " parameter sets, " + std::to_string(work.viewsOpened) + " views, " +
+                std::to_string(work.statesRestored) + " state restores");
+}
+
+}  // namespace AAXHost
