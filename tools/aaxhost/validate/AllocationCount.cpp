@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <execinfo.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,6 +27,15 @@ const char* const kHostSource = "aaxhost";
 // Written only by the armed thread, read by it after disarming.
 SSourceSlot gSources[kMaxSources];
 int gSourceCount = 0;
+// Blocks the armed thread allocated, with the source that did: a free is
+// charged to the allocation's source (the call that frees may be a tail
+// call, which leaves no frame of the plug-in on the stack).
+constexpr int kMaxLive = 4096;
+struct SLiveBlock {
+    const volatile void* pointer;
+    int source;
+};
+SLiveBlock gLive[kMaxLive];
 thread_local bool tArmed = false;
 thread_local bool tInside = false;
 
@@ -49,12 +59,49 @@ const char* ExecutablePath()
     return path;
 }
 
-void Count(const char* library, bool isFree, void* const* frames, int depth)
+int FindLive(const volatile void* pointer)
+{
+    const size_t start = (reinterpret_cast<uintptr_t>(pointer) >> 4) % kMaxLive;
+    for (size_t i = 0; i < kMaxLive; ++i) {
+        const size_t at = (start + i) % kMaxLive;
+        if (gLive[at].pointer == pointer)
+            return static_cast<int>(at);
+        if (!gLive[at].pointer)
+            return -1;
+    }
+    return -1;
+}
+
+void AddLive(const volatile void* pointer, int source)
+{
+    const size_t start = (reinterpret_cast<uintptr_t>(pointer) >> 4) % kMaxLive;
+    for (size_t i = 0; i < kMaxLive; ++i) {
+        SLiveBlock& b = gLive[(start + i) % kMaxLive];
+        if (!b.pointer) {
+            b = {pointer, source};
+            return;
+        }
+    }
+}
+
+// Open addressing: the entries after a removed one move up where needed.
+void RemoveLive(int at)
+{
+    size_t hole = static_cast<size_t>(at);
+    gLive[hole].pointer = nullptr;
+    for (size_t next = (hole + 1) % kMaxLive; gLive[next].pointer; next = (next + 1) % kMaxLive) {
+        const SLiveBlock moved = gLive[next];
+        gLive[next].pointer = nullptr;
+        AddLive(moved.pointer, moved.source);
+    }
+}
+
+int Count(const char* library, bool isFree, void* const* frames, int depth)
 {
     for (int i = 0; i < gSourceCount; ++i) {
         if (std::strcmp(gSources[i].library, library) == 0) {
             ++(isFree ? gSources[i].frees : gSources[i].allocations);
-            return;
+            return i;
         }
     }
     const int slot = gSourceCount < kMaxSources ? gSourceCount++ : kMaxSources - 1;
@@ -65,6 +112,7 @@ void Count(const char* library, bool isFree, void* const* frames, int depth)
         gSources[slot].depth = depth;
     }
     ++(isFree ? gSources[slot].frees : gSources[slot].allocations);
+    return slot;
 }
 
 }  // namespace
@@ -86,6 +134,8 @@ void ResetAllocationCount()
 {
     gSourceCount = 0;
     std::memset(gSources, 0, sizeof gSources);
+    for (SLiveBlock& b : gLive)
+        b.pointer = nullptr;
 }
 
 std::vector<SAllocationSource> AllocationSources()
@@ -103,11 +153,20 @@ std::vector<SAllocationSource> AllocationSources()
     return out;
 }
 
-void RecordAllocationEvent(bool isFree)
+void RecordAllocationEvent(bool isFree, const volatile void* pointer)
 {
-    if (!tArmed || tInside)
+    if (!tArmed || tInside || !pointer)
         return;
     tInside = true;
+    if (isFree) {
+        const int live = FindLive(pointer);
+        if (live >= 0) {
+            ++gSources[gLive[live].source].frees;
+            RemoveLive(live);
+            tInside = false;
+            return;
+        }
+    }
     void* frames[kMaxFrames];
     const int depth = backtrace(frames, kMaxFrames);
     // Frame 0 is this function, frame 1 the hook that called it (in a
@@ -124,7 +183,9 @@ void RecordAllocationEvent(bool isFree)
         source = std::strcmp(info.dli_fname, self) == 0 ? kHostSource : info.dli_fname;
         break;
     }
-    Count(source, isFree, frames + 2, depth > 2 ? depth - 2 : 0);
+    const int counted = Count(source, isFree, frames + 2, depth > 2 ? depth - 2 : 0);
+    if (!isFree)
+        AddLive(pointer, counted);
     tInside = false;
 }
 

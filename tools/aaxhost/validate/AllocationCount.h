@@ -32,6 +32,6 @@ std::vector<SAllocationSource> AllocationSources();
 
 // Called by the hooks.
 void MarkAllocationHooksInstalled();
-void RecordAllocationEvent(bool isFree);
+void RecordAllocationEvent(bool isFree, const volatile void* pointer);
 
 }  // namespace AAXHost

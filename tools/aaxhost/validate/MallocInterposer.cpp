@@ -8,14 +8,16 @@
 #include "AllocationCount.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
+// The sanitizer runtimes export this; GCC ships no header declaring it.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloc_hook)(const volatile void*, size_t),
+                                                         void (*free_hook)(const volatile void*));
 
 namespace {
 
-void OnMalloc(const volatile void*, size_t) { AAXHost::RecordAllocationEvent(false); }
-void OnFree(const volatile void*) { AAXHost::RecordAllocationEvent(true); }
+void OnMalloc(const volatile void* p, size_t) { AAXHost::RecordAllocationEvent(false, p); }
+void OnFree(const volatile void* p) { AAXHost::RecordAllocationEvent(true, p); }
 
-const bool kInstalled = [] {
+[[maybe_unused]] const bool kInstalled = [] {
     const bool ok = __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree) != 0;
     if (ok)
         AAXHost::MarkAllocationHooksInstalled();
@@ -35,70 +37,50 @@ void* __libc_memalign(size_t, size_t);
 void* __libc_valloc(size_t);
 void* __libc_pvalloc(size_t);
 
-void* malloc(size_t size)
+namespace {
+void* Counted(void* p)
 {
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_malloc(size);
+    AAXHost::RecordAllocationEvent(false, p);
+    return p;
 }
+}  // namespace
+
+void* malloc(size_t size) { return Counted(__libc_malloc(size)); }
 
 void free(void* p)
 {
-    if (p)
-        AAXHost::RecordAllocationEvent(true);
+    AAXHost::RecordAllocationEvent(true, p);
     __libc_free(p);
 }
 
-void* calloc(size_t n, size_t size)
-{
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_calloc(n, size);
-}
+void* calloc(size_t n, size_t size) { return Counted(__libc_calloc(n, size)); }
 
 void* realloc(void* p, size_t size)
 {
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_realloc(p, size);
+    AAXHost::RecordAllocationEvent(true, p);
+    return Counted(__libc_realloc(p, size));
 }
 
-void* memalign(size_t alignment, size_t size)
-{
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_memalign(alignment, size);
-}
-
-void* aligned_alloc(size_t alignment, size_t size)
-{
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_memalign(alignment, size);
-}
+void* memalign(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size)); }
+void* aligned_alloc(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size)); }
 
 int posix_memalign(void** out, size_t alignment, size_t size)
 {
     if (alignment < sizeof(void*) || (alignment & (alignment - 1)) != 0)
         return 22;  // EINVAL
-    AAXHost::RecordAllocationEvent(false);
-    void* p = __libc_memalign(alignment, size);
+    void* p = Counted(__libc_memalign(alignment, size));
     if (!p)
         return 12;  // ENOMEM
     *out = p;
     return 0;
 }
 
-void* valloc(size_t size)
-{
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_valloc(size);
-}
-
-void* pvalloc(size_t size)
-{
-    AAXHost::RecordAllocationEvent(false);
-    return __libc_pvalloc(size);
-}
+void* valloc(size_t size) { return Counted(__libc_valloc(size)); }
+void* pvalloc(size_t size) { return Counted(__libc_pvalloc(size)); }
 }
 
 namespace {
-const bool kInstalled = (AAXHost::MarkAllocationHooksInstalled(), true);
+[[maybe_unused]] const bool kInstalled = (AAXHost::MarkAllocationHooksInstalled(), true);
 }
 
 #endif

@@ -89,7 +89,8 @@ void CheckRealtime(CValidationContext& context, SCheckResult& result)
         const uint64_t events = s.allocations + s.frees;
         (isHost ? hostCount : isWrapper ? wrapperCount : pluginCount) += events;
         if (!isHost && !isWrapper)
-            pluginText += (pluginText.empty() ? "" : ", ") + s.library + " " + std::to_string(s.allocations) +
+            pluginText += (pluginText.empty() ? "" : ", ") + std::filesystem::path(s.library).filename().string() + " " +
+                          std::to_string(s.allocations) +
                           " allocations, " + std::to_string(s.frees) + " frees";
         sources.push_back({{"library", s.library}, {"role", isHost ? "host" : isWrapper ? "wrapper" : "plug-in"},
                            {"allocations", s.allocations}, {"frees", s.frees}, {"first_stack", s.firstStack}});
