@@ -24,6 +24,12 @@ constexpr int32_t kBlock = 256;
 
 using Clock = std::chrono::steady_clock;
 
+bool HasDisplay()
+{
+    const char* display = std::getenv("DISPLAY");
+    return display && *display;
+}
+
 struct SMainThreadWork {
     int parameterSets = 0;
     int viewsOpened = 0;
@@ -45,7 +51,7 @@ void SweepParameters(CValidationContext& context, CProcessingRig& rig, const std
 // the process (GTK's), which no host that shows views would see.
 bool OpenAndCloseView(CProcessingRig& rig, SMainThreadWork& work, std::string& error)
 {
-    if (!rig.Instance().GuiFactory() || !std::getenv("DISPLAY"))
+    if (!rig.Instance().GuiFactory() || !HasDisplay())
         return true;
     CEditorSession view;
     if (!view.Open(rig.Instance(), error, true))
@@ -135,10 +141,10 @@ void CheckThreads(CValidationContext& context, SCheckResult& result)
                       {"states_restored", work.statesRestored},
                       {"nan", counts.nan},
                       {"infinite", counts.infinite}};
-    result.details["display"] = std::getenv("DISPLAY") != nullptr;
+    result.details["display"] = HasDisplay();
     result.Note(std::to_string(buffers.load()) + " audio buffers against " + std::to_string(work.parameterSets) +
                 " parameter sets, " + std::to_string(work.viewsOpened) +
-                (std::getenv("DISPLAY") ? " views, " : " views (no DISPLAY), ") +
+                (HasDisplay() ? " views, " : " views (no DISPLAY), ") +
                 std::to_string(work.statesRestored) + " state restores");
 }
 
