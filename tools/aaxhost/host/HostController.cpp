@@ -75,6 +75,8 @@ AAX_Result CHostController::SendNotification(AAX_CTypeID, const void*, uint32_t)
 
 void CHostController::Record(const char* kind, AAX_CParamID id, double value) const
 {
+    if (!mRecordAutomation)
+        return;
     mAutomation.push_back({kind, Text(id), value, mTransport.samplePosition, mHostIsSetting});
 }
 

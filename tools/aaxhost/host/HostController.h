@@ -70,6 +70,9 @@ public:
     void SetHostIsSetting(bool on) { mHostIsSetting = on; }
     std::vector<SPostedPacket> TakePackets();
     const std::vector<SAutomationEvent>& Automation() const { return mAutomation; }
+    // A render reports every automation event; a validator's long runs keep
+    // none (the list would grow without bound).
+    void SetRecordAutomation(bool on) { mRecordAutomation = on; }
     int32_t Latency() const { return mLatency; }
 
 private:
@@ -86,6 +89,7 @@ private:
     CHostTransport mTransportView;
     AAX_IACFEffectParameters* mEffect = nullptr;  // not owned
     bool mHostIsSetting = false;
+    bool mRecordAutomation = true;
     mutable int mAnswerDepth = 0;
     std::vector<SPostedPacket> mPackets;
     mutable std::vector<SAutomationEvent> mAutomation;

@@ -44,7 +44,13 @@ CProcessingRig::CProcessingRig(const SEffectInfo& effect, const SComponentInfo& 
 
 CProcessingRig::~CProcessingRig() = default;
 
-bool CProcessingRig::Create(std::string& error) { return mInstance->Create(error); }
+bool CProcessingRig::Create(std::string& error)
+{
+    if (!mInstance->Create(error))
+        return false;
+    mInstance->Controller()->SetRecordAutomation(false);
+    return true;
+}
 
 // A chord struck every 300 ms and released half-way.
 void CProcessingRig::Prepare(int32_t frames)
