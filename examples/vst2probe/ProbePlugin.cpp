@@ -308,7 +308,7 @@ float CProbe::GetParameter(VstInt32 index)
         return std::numeric_limits<float>::quiet_NaN();
     if (index >= kNumParams && index < mEffect.numParams)
         return mExtraParams[static_cast<size_t>(index - kNumParams)];
-    return index >= 0 && index < kNumParams ? mParams[index] : 0.0f;
+    return index >= 0 && index < kNumParams ? mParams[index].load() : 0.0f;
 }
 
 VstIntPtr CProbe::GetChunk(void** data)
@@ -325,7 +325,10 @@ VstIntPtr CProbe::GetChunk(void** data)
             mChunk[i] = static_cast<unsigned char>(i & 0xFF);
     }
     std::memcpy(mChunk.data(), kChunkMagic, 4);
-    std::memcpy(mChunk.data() + 4, mParams, sizeof(mParams));
+    for (int i = 0; i < kNumParams; ++i) {
+        const float value = mParams[i].load(std::memory_order_relaxed);
+        std::memcpy(mChunk.data() + 4 + 4 * i, &value, 4);
+    }
     *data = mChunk.data();
     return static_cast<VstIntPtr>(mChunk.size());
 }
@@ -342,7 +345,11 @@ VstIntPtr CProbe::SetChunk(VstInt32 index, const void* data, VstIntPtr size)
                    valid ? "restored" : "rejected");
     if (!valid)
         return 0;
-    std::memcpy(mParams, bytes + 4, sizeof(mParams));
+    for (int i = 0; i < kNumParams; ++i) {
+        float value;
+        std::memcpy(&value, bytes + 4 + 4 * i, 4);
+        mParams[i].store(value, std::memory_order_relaxed);
+    }
     return 1;
 }
 

@@ -14,6 +14,7 @@
 // (number of outputs declared, default 34).
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "ProbeRecorder.h"
@@ -58,7 +59,8 @@ private:
     AEffect mEffect{};
     audioMasterCallback mHost;
     CRecorder mRecorder;
-    float mParams[kNumParams] = {0.5f, 0.25f, 0.75f, 0.0f};
+    // Set on the host's main thread, read by process on the audio thread.
+    std::atomic<float> mParams[kNumParams] = {0.5f, 0.25f, 0.75f, 0.0f};
     std::vector<float> mExtraParams;  // VST2PROBE_EXTRA_PARAMS more, after the four
     int mProgram = 0;
     std::vector<unsigned char> mChunk;

@@ -87,8 +87,9 @@ tresult PLUGIN_API SynthProcessor::setState(IBStream* state)
         Trace("proc.setState refused");
         return kResultFalse;
     }
-    mParams = values;
-    Trace("proc.setState volume=%.6f program=%.6f", mParams[kSynthVolume], mParams[kSynthProgram]);
+    for (size_t i = 0; i < values.size(); ++i)
+        mParams[i].store(values[i], std::memory_order_relaxed);
+    Trace("proc.setState volume=%.6f program=%.6f", mParams[kSynthVolume].load(), mParams[kSynthProgram].load());
     return kResultOk;
 }
 
@@ -99,7 +100,10 @@ tresult PLUGIN_API SynthProcessor::getState(IBStream* state)
         return kInvalidArgument;
     int32 version = kSynthStateVersion;
     state->write(&version, sizeof(version), nullptr);
-    state->write(mParams.data(), sizeof(mParams), nullptr);
+    double values[kSynthParamCount];
+    for (size_t i = 0; i < kSynthParamCount; ++i)
+        values[i] = mParams[i].load(std::memory_order_relaxed);
+    state->write(values, sizeof(values), nullptr);
     return kResultOk;
 }
 

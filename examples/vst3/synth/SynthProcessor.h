@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 
 #include "../common/CStrictHostCheck.h"
 #include "SynthIDs.h"
@@ -58,7 +59,9 @@ private:
     float renderSample();
 
     std::array<Voice, 8> mVoices;
-    std::array<double, kSynthParamCount> mParams{};
+    // Written by the audio thread (parameter changes), read by getState on
+    // the host's main thread.
+    std::array<std::atomic<double>, kSynthParamCount> mParams{};
     double mSampleRate = 44100.0;
     CStrictHostCheck mHostCheck;
 };
