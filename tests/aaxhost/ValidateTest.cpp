@@ -125,9 +125,10 @@ TEST(ValidateCommand, ReportsEachCheckAndRepeatsARunFromItsSeed)
 }
 
 // A crash or a leak ends one check, not the run: the others go on, and the
-// report names what was being done. MVerb cannot run in the CLASSIC mode
+// report names what was being done. A wrapper without its plug-in fails
+// its description. MVerb cannot run in the CLASSIC mode
 // (it is never resumed there) and crashes in its first process call.
-TEST(ValidateCommand, ACrashFailsItsCheckWithThePhaseAndTheRunGoesOn)
+TEST(ValidateCommand, CrashesLeaksAndAMissingPluginFailTheirChecks)
 {
     const auto crashed = Validate(std::string(AAXHOST_BUNDLE_DIR) + "/MVerb.aaxplugin",
                                   {"--only", "description", "processing"});
@@ -136,6 +137,15 @@ TEST(ValidateCommand, ACrashFailsItsCheckWithThePhaseAndTheRunGoesOn)
     EXPECT_FALSE(crashed.at("processing").first);
     EXPECT_NE(crashed.at("processing").second.find("during processing at 44100 Hz, buffers of 1"), std::string::npos)
         << crashed.at("processing").second;
+
+    // A wrapper around nothing would play silence and pass everything else.
+    ASSERT_TRUE(std::filesystem::exists(AAXHOST_MISSING_PLUGIN_BUNDLE)) << "the front-end tests build it";
+    const auto empty = Validate(AAXHOST_MISSING_PLUGIN_BUNDLE, {"--only", "description"});
+    ASSERT_EQ(empty.size(), 1u);
+    EXPECT_FALSE(empty.at("description").first);
+    EXPECT_NE(empty.at("description").second.find("the wrapped plug-in could not be loaded: no Frontend Missing.vst"),
+              std::string::npos)
+        << empty.at("description").second;
 
     const auto leaky = Validate(std::string(AAXHOST_BUNDLE_DIR) + "/Broken4.aaxplugin", {"--only", "load-unload"});
     ASSERT_EQ(leaky.size(), 1u);
