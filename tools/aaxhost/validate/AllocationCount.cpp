@@ -49,7 +49,7 @@ bool IsRuntime(const char* path)
     return false;
 }
 
-// The executable itself (aaxhost and its hooks) is not a source either.
+// The executable: frames in it are aaxhost's own work.
 const char* ExecutablePath()
 {
     static const char* path = [] {
@@ -104,8 +104,10 @@ int Count(const char* library, bool isFree, void* const* frames, int depth)
             return i;
         }
     }
-    const int slot = gSourceCount < kMaxSources ? gSourceCount++ : kMaxSources - 1;
-    if (slot == gSourceCount - 1) {
+    // A new library; past the table's end, the last slot takes the rest.
+    const bool fresh = gSourceCount < kMaxSources;
+    const int slot = fresh ? gSourceCount++ : kMaxSources - 1;
+    if (fresh) {
         std::strncpy(gSources[slot].library, library, sizeof gSources[slot].library - 1);
         gSources[slot].library[sizeof gSources[slot].library - 1] = '\0';
         std::memcpy(gSources[slot].stack, frames, sizeof(void*) * static_cast<size_t>(depth));
