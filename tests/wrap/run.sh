@@ -24,6 +24,7 @@ wrap() {  # wrap PLUGIN EXPECTED-BUNDLE MANUFACTURER VERSION
   grep -qF "## AAX Wrapper Version : $4" "$out"/wrapper.log* ||
     { cat "$out"/wrapper.log*; echo "wrap: version is not $4"; exit 1; }
   grep -q "main output peak" "$log" || { cat "$log"; echo "wrap: no check ran"; exit 1; }
+  grep -q "^wrap: validate: PASS description" "$log" || { cat "$log"; echo "wrap: aaxhost validate did not run"; exit 1; }
   echo "wrap: $2 built, identity from the plug-in, plays"
 }
 wrap /usr/lib/vst/amsynth_vst.so amsynth_vst.aaxplugin "Nick Dowell" 1.0.0   # it reports no version

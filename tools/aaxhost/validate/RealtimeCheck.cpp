@@ -108,8 +108,11 @@ void CheckRealtime(CValidationContext& context, SCheckResult& result)
                     std::to_string(buffers) + " buffers");
     const double perBuffer = static_cast<double>(pluginCount) / buffers;
     char text[160];
-    std::snprintf(text, sizeof text, " (%.3f a buffer; level %d allows %.3f)", perBuffer, context.Config().level,
-                  allowance);
+    if (context.Config().level < 5)
+        std::snprintf(text, sizeof text, " (%.3f a buffer; level %d sets no limit)", perBuffer, context.Config().level);
+    else
+        std::snprintf(text, sizeof text, " (%.3f a buffer; level %d allows %.3f)", perBuffer, context.Config().level,
+                      allowance);
     if (perBuffer > allowance)
         result.Fail("allocations on the audio thread in " + std::to_string(buffers) + " buffers: " + pluginText + text);
     result.Note(pluginCount == 0 ? "no allocation on the audio thread in " + std::to_string(buffers) + " buffers"
