@@ -155,7 +155,7 @@ std::vector<SAllocationSource> AllocationSources()
     return out;
 }
 
-void RecordAllocationEvent(bool isFree, const volatile void* pointer)
+void RecordAllocationEvent(bool isFree, const volatile void* pointer, const void* caller)
 {
     if (!tArmed || tInside || !pointer)
         return;
@@ -171,21 +171,25 @@ void RecordAllocationEvent(bool isFree, const volatile void* pointer)
     }
     void* frames[kMaxFrames];
     const int depth = backtrace(frames, kMaxFrames);
-    // Frame 0 is this function, frame 1 the hook that called it (in a
-    // sanitizer build possibly gone to a tail call: then a runtime frame).
-    // Then comes the allocator (C or C++ runtime, or a sanitizer's) and
-    // then whoever asked. That may be aaxhost itself, answering a call the
-    // plug-in made into the host.
+    // The walk starts at the hook's caller: the allocator (C or C++
+    // runtime, or a sanitizer's), then whoever asked. That may be aaxhost
+    // itself, answering a call the plug-in made into the host.
+    int first = 1;
+    for (int i = 1; i < depth; ++i)
+        if (frames[i] == caller) {
+            first = i;
+            break;
+        }
     const char* source = "(unknown)";
     const char* self = ExecutablePath();
-    for (int i = 2; i < depth; ++i) {
+    for (int i = first; i < depth; ++i) {
         Dl_info info{};
         if (!dladdr(frames[i], &info) || !info.dli_fname || IsRuntime(info.dli_fname))
             continue;
         source = std::strcmp(info.dli_fname, self) == 0 ? kHostSource : info.dli_fname;
         break;
     }
-    const int counted = Count(source, isFree, frames + 2, depth > 2 ? depth - 2 : 0);
+    const int counted = Count(source, isFree, frames + first, depth - first);
     if (!isFree)
         AddLive(pointer, counted);
     tInside = false;

@@ -32,6 +32,8 @@ std::vector<SAllocationSource> AllocationSources();
 
 // Called by the hooks.
 void MarkAllocationHooksInstalled();
-void RecordAllocationEvent(bool isFree, const volatile void* pointer);
+// caller: the return address of the hook's own call, where the stack walk
+// starts (the hook's frames above it vary with the build).
+void RecordAllocationEvent(bool isFree, const volatile void* pointer, const void* caller);
 
 }  // namespace AAXHost

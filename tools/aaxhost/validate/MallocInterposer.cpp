@@ -14,8 +14,12 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloc_hook)(con
 
 namespace {
 
-void OnMalloc(const volatile void* p, size_t) { AAXHost::RecordAllocationEvent(false, p); }
-void OnFree(const volatile void* p) { AAXHost::RecordAllocationEvent(true, p); }
+// The caller of a hook is the sanitizer's allocator; the walk skips it.
+void OnMalloc(const volatile void* p, size_t)
+{
+    AAXHost::RecordAllocationEvent(false, p, __builtin_return_address(0));
+}
+void OnFree(const volatile void* p) { AAXHost::RecordAllocationEvent(true, p, __builtin_return_address(0)); }
 
 [[maybe_unused]] const bool kInstalled = [] {
     const bool ok = __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree) != 0;
@@ -37,46 +41,49 @@ void* __libc_memalign(size_t, size_t);
 void* __libc_valloc(size_t);
 void* __libc_pvalloc(size_t);
 
+// Each entry point passes its own caller: the stack walk starts there.
+#define AAXHOST_CALLER __builtin_return_address(0)
+
 namespace {
-void* Counted(void* p)
+void* Counted(void* p, const void* caller)
 {
-    AAXHost::RecordAllocationEvent(false, p);
+    AAXHost::RecordAllocationEvent(false, p, caller);
     return p;
 }
 }  // namespace
 
-void* malloc(size_t size) { return Counted(__libc_malloc(size)); }
+void* malloc(size_t size) { return Counted(__libc_malloc(size), AAXHOST_CALLER); }
 
 void free(void* p)
 {
-    AAXHost::RecordAllocationEvent(true, p);
+    AAXHost::RecordAllocationEvent(true, p, AAXHOST_CALLER);
     __libc_free(p);
 }
 
-void* calloc(size_t n, size_t size) { return Counted(__libc_calloc(n, size)); }
+void* calloc(size_t n, size_t size) { return Counted(__libc_calloc(n, size), AAXHOST_CALLER); }
 
 void* realloc(void* p, size_t size)
 {
-    AAXHost::RecordAllocationEvent(true, p);
-    return Counted(__libc_realloc(p, size));
+    AAXHost::RecordAllocationEvent(true, p, AAXHOST_CALLER);
+    return Counted(__libc_realloc(p, size), AAXHOST_CALLER);
 }
 
-void* memalign(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size)); }
-void* aligned_alloc(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size)); }
+void* memalign(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size), AAXHOST_CALLER); }
+void* aligned_alloc(size_t alignment, size_t size) { return Counted(__libc_memalign(alignment, size), AAXHOST_CALLER); }
 
 int posix_memalign(void** out, size_t alignment, size_t size)
 {
     if (alignment < sizeof(void*) || (alignment & (alignment - 1)) != 0)
         return 22;  // EINVAL
-    void* p = Counted(__libc_memalign(alignment, size));
+    void* p = Counted(__libc_memalign(alignment, size), AAXHOST_CALLER);
     if (!p)
         return 12;  // ENOMEM
     *out = p;
     return 0;
 }
 
-void* valloc(size_t size) { return Counted(__libc_valloc(size)); }
-void* pvalloc(size_t size) { return Counted(__libc_pvalloc(size)); }
+void* valloc(size_t size) { return Counted(__libc_valloc(size), AAXHOST_CALLER); }
+void* pvalloc(size_t size) { return Counted(__libc_pvalloc(size), AAXHOST_CALLER); }
 }
 
 namespace {
