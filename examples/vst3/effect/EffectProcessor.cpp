@@ -44,7 +44,7 @@ tresult PLUGIN_API EffectProcessor::setState(IBStream* state)
     if (!state || state->read(&gain, sizeof(gain), &bytesRead) != kResultOk || bytesRead != sizeof(gain))
         return kResultFalse;
     mGain = gain;
-    Trace("effect.setState gain=%.6f", mGain);
+    Trace("effect.setState gain=%.6f", mGain.load());
     return kResultOk;
 }
 
@@ -52,7 +52,8 @@ tresult PLUGIN_API EffectProcessor::getState(IBStream* state)
 {
     if (!state)
         return kInvalidArgument;
-    return state->write(&mGain, sizeof(mGain), nullptr);
+    double gain = mGain.load(std::memory_order_relaxed);
+    return state->write(&gain, sizeof(gain), nullptr);
 }
 
 tresult PLUGIN_API EffectProcessor::setBusArrangements(SpeakerArrangement*, int32, SpeakerArrangement*, int32)
@@ -115,7 +116,7 @@ tresult PLUGIN_API EffectProcessor::process(ProcessData& data)
         if (!in || !out)
             continue;
         for (int32 s = 0; s < data.numSamples; ++s)
-            out[s] = static_cast<float>(in[s] * mGain);
+            out[s] = static_cast<float>(in[s] * mGain.load(std::memory_order_relaxed));
     }
     return kResultOk;
 }

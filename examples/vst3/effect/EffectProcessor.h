@@ -1,6 +1,8 @@
 // A stereo gain effect without an event bus.
 #pragma once
 
+#include <atomic>
+
 #include "../common/CStrictHostCheck.h"
 #include "EffectIDs.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -39,7 +41,9 @@ public:
     REFCOUNT_METHODS(Steinberg::Vst::Component)
 
 protected:
-    double mGain = 1.0;
+    // Written by the audio thread (parameter changes), read by getState on
+    // the host's main thread.
+    std::atomic<double> mGain{1.0};
     CStrictHostCheck mHostCheck;
 };
 
