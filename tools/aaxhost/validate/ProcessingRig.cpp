@@ -30,7 +30,7 @@ void AddNotes(std::vector<AAX_CMidiPacket>& packets, uint32_t offset, unsigned c
 
 CProcessingRig::CProcessingRig(const SEffectInfo& effect, const SComponentInfo& component, double sampleRate,
                                int32_t maxBlock)
-    : mComponent(component), mSampleRate(sampleRate), mMaxBlock(maxBlock)
+    : mSampleRate(sampleRate), mMaxBlock(maxBlock)
 {
     mTransport.sampleRate = sampleRate;
     SInstanceConfig config;

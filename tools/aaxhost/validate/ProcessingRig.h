@@ -55,7 +55,6 @@ private:
     void Prepare(int32_t frames);
     void Finish(int32_t frames);
 
-    const SComponentInfo& mComponent;
     double mSampleRate;
     int32_t mMaxBlock;
     STransportState mTransport;
