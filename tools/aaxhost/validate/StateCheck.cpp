@@ -1,6 +1,7 @@
 // state: a randomised state saved from one instance and restored into a
 // fresh one saves again byte for byte; truncated and bit-flipped chunks,
 // as a damaged session file brings them, are refused or taken without harm.
+#include <algorithm>
 #include <cstdio>
 
 #include "CheckProcess.h"
@@ -32,12 +33,12 @@ bool SameChunks(const std::vector<SStateChunk>& a, const std::vector<SStateChunk
                          std::to_string(b[i].data.size());
             return false;
         }
-        for (size_t k = 0; k < a[i].data.size(); ++k)
-            if (a[i].data[k] != b[i].data[k]) {
-                difference = "chunk " + std::to_string(i) + " differs first at byte " + std::to_string(k) + " of " +
-                             std::to_string(a[i].data.size());
-                return false;
-            }
+        const auto diverge = std::mismatch(a[i].data.begin(), a[i].data.end(), b[i].data.begin());
+        if (diverge.first != a[i].data.end()) {
+            difference = "chunk " + std::to_string(i) + " differs first at byte " +
+                         std::to_string(diverge.first - a[i].data.begin()) + " of " + std::to_string(a[i].data.size());
+            return false;
+        }
     }
     return true;
 }
