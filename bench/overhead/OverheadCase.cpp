@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "BenchRig.h"
-#include "DirectHost.h"
+#include "DirectGroup.h"
 #include "InstructionCounter.h"
 
 namespace BenchOverhead {
@@ -105,7 +105,7 @@ struct SComparison {
     long long differing = 0;
     double largest = 0.0;
     float peak = 0.0f;
-    void Add(const IDirectHost& direct, const BenchProcess::CBenchRig& wrapped, int blockSize)
+    void Add(const AAXDirect::CDirectGroup& direct, const BenchProcess::CBenchRig& wrapped, int blockSize)
     {
         for (int instance : {0, wrapped.Instances() - 1})
             for (int ch = 0; ch < direct.OutputChannels(); ++ch) {
@@ -125,6 +125,16 @@ struct SComparison {
 
 std::vector<AAX_CMidiPacket> NoMidi() { return {}; }
 
+// The transport both sides see: 120 bpm, 4/4, playing.
+AAXDirect::SDirectTransport Transport(int64_t position, double sampleRate)
+{
+    AAXDirect::SDirectTransport t;
+    t.tempo = 120.0;
+    t.samplePosition = position;
+    t.quarterNotes = static_cast<double>(position) / sampleRate * t.tempo / 60.0;
+    return t;
+}
+
 }  // namespace
 
 std::string SCase::Name() const
@@ -138,25 +148,24 @@ SCaseResult RunCase(const SCase& c, CInstructionCounter* counter)
     SCaseResult result;
     const double rate = BenchProcess::kSampleRate;
     BenchProcess::CBenchRig wrapped;
-#ifdef BENCH_HAS_VST3
-    std::unique_ptr<IDirectHost> direct = c.plugin->vst3 ? MakeDirectVst3Host() : MakeDirectVst2Host();
-#else
-    std::unique_ptr<IDirectHost> direct = c.plugin->vst3 ? nullptr : MakeDirectVst2Host();
-#endif
-    if (!direct) {
+#ifndef BENCH_HAS_VST3
+    if (c.plugin->vst3) {
         result.error = "no direct host for this plug-in's format in this build";
         return result;
     }
+#endif
+    auto direct = std::make_unique<AAXDirect::CDirectGroup>();
     {
         BenchProcess::CQuietStdout quiet;
-        SDirectSetup setup;
+        AAXDirect::SDirectSetup setup;
         setup.path = c.plugin->direct;
         setup.sampleRate = rate;
-        setup.blockSize = c.blockSize;
-        setup.instances = c.instances;
+        // What the wrapper's host mode announces: STANDARD 4096, CLASSIC its
+        // VST 3 maximum of 256 (its VST 2 start-up announces none).
+        setup.maxBlock = c.plugin->standard ? 4096 : (c.plugin->vst3 ? 256 : c.blockSize);
         setup.standard = c.plugin->standard;
         if (!wrapped.Open(c.plugin->bundle, c.blockSize, c.instances, result.error) ||
-            !direct->Open(setup, result.error))
+            !direct->Open(setup, c.instances, result.error))
             return result;
     }
     if (direct->OutputChannels() == 0) {
@@ -167,8 +176,8 @@ SCaseResult RunCase(const SCase& c, CInstructionCounter* counter)
     SComparison comparison;
     int64_t position = 0;
     auto playBoth = [&](const std::vector<AAX_CMidiPacket>& midi) {
-        direct->Prepare(midi, position);
-        direct->Process();
+        direct->Prepare(midi, Transport(position, rate), c.blockSize);
+        direct->Process(c.blockSize);
         wrapped.RunBuffer(midi);
         position += c.blockSize;
         comparison.Add(*direct, wrapped, c.blockSize);
@@ -193,8 +202,8 @@ SCaseResult RunCase(const SCase& c, CInstructionCounter* counter)
         double figure = 0.0;
         meter.Begin();
         for (int b = 0; b < buffers; ++b) {
-            direct->Prepare(midi, position + b * c.blockSize);
-            meter.Measure([&] { direct->Process(); });
+            direct->Prepare(midi, Transport(position + b * c.blockSize, rate), c.blockSize);
+            meter.Measure([&] { direct->Process(c.blockSize); });
         }
         if (!meter.PerCall(figure, result.error))
             return result;

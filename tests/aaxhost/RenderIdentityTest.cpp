@@ -12,10 +12,11 @@
 #include <ostream>
 #include <tuple>
 
-#include "DirectVst2Driver.h"
+#include "DirectRender.h"
 #include "TestSupport.h"
 
 using namespace AAXHostTest;
+using namespace AAXDirect;
 
 namespace {
 

@@ -9,11 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "DirectVst2Driver.h"
+#include "DirectRender.h"
 #include "SignalAnalysis.h"
 #include "TestSupport.h"
 
 using namespace AAXHostTest;
+using namespace AAXDirect;
 
 namespace {
 

@@ -7,10 +7,11 @@
 #include <filesystem>
 #include <map>
 
-#include "DirectVst2Driver.h"
+#include "DirectRender.h"
 #include "TestSupport.h"
 
 using namespace AAXHostTest;
+using namespace AAXDirect;
 
 namespace {
 

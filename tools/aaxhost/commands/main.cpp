@@ -203,6 +203,9 @@ int main(int argc, char** argv)
     validate->add_option("--timeout", vc.timeout, "Seconds one plug-in call may take before it counts as hung")
         ->check(CLI::Range(0.1, 3600.0))
         ->capture_default_str();
+    validate->add_option("--fail-on", vc.failOn,
+                         "Which failures make the exit status 1: any (default), or only the wrapper's")
+        ->check(CLI::IsMember({"any", "wrapper"}));
     validate->add_flag("--json", vc.json, "Print the aaxhost-validate-1 JSON document");
     validate->add_flag("--no-progress", noProgress, "Never show the progress bar");
 

@@ -22,16 +22,6 @@ namespace {
 // First buffers set up lazily in many plug-ins; hosts forgive them.
 constexpr int kWarmUpBuffers = 8;
 
-// Allocations and frees a buffer the plug-in may make: any below level 5,
-// none at level 10, and between them a little less at each level (a voice
-// allocated now and then at a note-on passes level 5, not level 8).
-double AllowancePerBuffer(int level)
-{
-    if (level < 5)
-        return 1e9;
-    return 0.01 * (10 - level);
-}
-
 bool SameFile(const std::string& a, const std::string& b)
 {
     std::error_code error;
@@ -95,7 +85,7 @@ void CheckRealtime(CValidationContext& context, SCheckResult& result)
         sources.push_back({{"library", s.library}, {"role", isHost ? "host" : isWrapper ? "wrapper" : "plug-in"},
                            {"allocations", s.allocations}, {"frees", s.frees}, {"first_stack", s.firstStack}});
     }
-    const double allowance = AllowancePerBuffer(context.Config().level);
+    const double allowance = RealtimeAllowancePerBuffer(context.Config().level);
     result.details = {{"buffers", buffers},      {"wrapper", wrapperCount}, {"plugin", pluginCount},
                       {"host", hostCount},       {"plugin_allowance_per_buffer", allowance},
                       {"sources", sources}};

@@ -16,6 +16,9 @@ struct SValidateConfig {
     uint64_t seed = 0;
     double timeout = 30.0;  // seconds a single plug-in call may take
     bool progress = true;
+    // "any": every failure fails the run; "wrapper": only failures that are
+    // not the wrapped plug-in's own.
+    std::string failOn = "any";
 };
 
 struct SLevelPlan {
@@ -60,6 +63,17 @@ inline SLevelPlan PlanForLevel(int level)
     p.threadSeconds = level < 5 ? 0.5 : level < 10 ? 1.5 : 10.0;
     p.realtimeBuffers = 100 * level;
     return p;
+}
+
+// Allocations and frees a buffer a plug-in may make on the audio thread: any
+// below level 5, none at level 10, and between them a little less at each
+// level (a voice allocated now and then at a note-on passes level 5, not
+// level 8).
+inline double RealtimeAllowancePerBuffer(int level)
+{
+    if (level < 5)
+        return 1e9;
+    return 0.01 * (10 - level);
 }
 
 }  // namespace AAXHost

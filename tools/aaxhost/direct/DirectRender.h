@@ -1,7 +1,7 @@
-// Drives a VST 2 library directly, the way the wrapper's fake host drives
-// it (same opening sequence, sample-rate set-up, time information, block
-// plan and MIDI schedule), so that a wrapped render can be compared with it
-// sample for sample.
+// A whole render of a VST 2 library hosted directly, the way the wrapper's
+// fake host drives it (same opening sequence, sample-rate set-up, time
+// information, block plan and MIDI schedule), so that a wrapped render can
+// be compared with it sample for sample.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 #include "MidiSchedule.h"
 
-namespace AAXHostTest {
+namespace AAXDirect {
 
 struct SDirectRenderConfig {
     std::string libraryPath;
@@ -29,7 +29,7 @@ struct SDirectRenderConfig {
 };
 
 struct SDirectRenderResult {
-    std::vector<std::vector<float>> outputs;  // per channel, totalSamples each
+    std::vector<std::vector<float>> outputs;  // per channel (at least 34), totalSamples each
     std::vector<char> chunkAtEnd;  // effGetChunk (bank) after the render
     std::vector<float> initialParameters;  // getParameter of each parameter once opened
 };
@@ -37,4 +37,4 @@ struct SDirectRenderResult {
 bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedule& schedule,
                   SDirectRenderResult& result, std::string& error);
 
-}  // namespace AAXHostTest
+}  // namespace AAXDirect
