@@ -1,4 +1,5 @@
-// parameters: what a host writes it reads back, texts convert both ways,
+// parameters: what a host writes it reads back (or the value a switch or a
+// choice snaps it to, which then stays put), texts convert both ways,
 // stepped parameters land on steps, defaults restore, and automation every
 // 32 samples during playback is taken.
 #include <algorithm>
@@ -61,10 +62,22 @@ public:
         ++mSets;
         if (!(got >= 0.0 && got <= 1.0))
             mResult.Fail(Describe(p, what, value, got) + ", outside 0..1");
-        else if (IsStepped(p) ? !OnStep(got, p.steps) : std::fabs(got - value) > kTolerance)
-            mResult.Fail(Describe(p, what, value, got) + (IsStepped(p) ? ", not on one of its " +
-                                                                             std::to_string(p.steps) + " steps"
-                                                                       : ""));
+        else if (IsStepped(p) && !OnStep(got, p.steps))
+            mResult.Fail(Describe(p, what, value, got) + ", not on one of its " + std::to_string(p.steps) +
+                         " steps");
+        else if (!IsStepped(p) && std::fabs(got - value) > kTolerance && !KeepsSnapped(p, got))
+            mResult.Fail(Describe(p, what, value, got) + ", and does not keep that value when it is set");
+    }
+
+    // A switch, a choice or an integer takes the value nearest to what was
+    // set, as the plug-in itself holds it; what it then shows must stay put.
+    bool KeepsSnapped(const SParameterInfo& p, double snapped)
+    {
+        mRig.Instance().SetParameter(p.id, snapped);
+        double again = -1.0;
+        mEffect.GetParameterNormalizedValue(p.id.c_str(), &again);
+        ++mSnapped;
+        return std::fabs(again - snapped) <= kTolerance;
     }
 
     // Value to text to value to text: the second text is the first.
@@ -97,12 +110,13 @@ public:
     int Sets() const { return mSets; }
     int RoundTrips() const { return mRoundTrips; }
     int NoTextToValue() const { return mNoTextToValue; }
+    int Snapped() const { return mSnapped; }
 
 private:
     CProcessingRig& mRig;
     AAX_IACFEffectParameters& mEffect;
     SCheckResult& mResult;
-    int mSets = 0, mRoundTrips = 0, mNoTextToValue = 0;
+    int mSets = 0, mRoundTrips = 0, mNoTextToValue = 0, mSnapped = 0;
 };
 
 void Automate(CValidationContext& context, CProcessingRig& rig, const std::vector<SParameterInfo>& params,
@@ -176,6 +190,7 @@ void CheckParameters(CValidationContext& context, SCheckResult& result)
     result.details["sets"] = walk.Sets();
     result.details["text_round_trips"] = walk.RoundTrips();
     result.details["without_text_to_value"] = walk.NoTextToValue();
+    result.details["snapped_sets"] = walk.Snapped();
     result.Note(std::to_string(params.size()) + " parameters, " + std::to_string(walk.Sets()) + " sets, " +
                 std::to_string(walk.RoundTrips()) + " text round trips" +
                 (walk.NoTextToValue() ? " (" + std::to_string(walk.NoTextToValue()) + " texts not parsed back)"
