@@ -81,8 +81,27 @@ TEST(ValidateDebian, AmsynthFailsOnlyItsOwnStateRoundTrip)
 {
     const char* library = "/usr/lib/vst/amsynth_vst.so";
     ASSERT_TRUE(std::filesystem::exists(library)) << "run scripts/setup";
-    ExpectOnlyFailure(Validate(std::string(AAXHOST_BUNDLE_DIR) + "/standard/amsynth.aaxplugin"), "state",
-                      "does not save byte for byte");
+    const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/standard/amsynth.aaxplugin";
+    ExpectOnlyFailure(Validate(bundle), "state", "does not save byte for byte");
+
+    // The verdict: hosted directly (its twin, same seed) amsynth fails the
+    // same way, so the failure is the plug-in's, and --fail-on wrapper lets
+    // the run pass.
+    const SRunResult r =
+        RunHost({"validate", bundle, "--json", "--only", "state", "--seed", "11", "--fail-on", "wrapper"}, {"DISPLAY="});
+    const nlohmann::json j = r.Json();
+    ASSERT_TRUE(j.is_object()) << r.err;
+    EXPECT_EQ(r.exitCode, 0) << r.out;
+    const nlohmann::json& state = j["checks"][0];
+    EXPECT_FALSE(state.value("passed", true));
+    EXPECT_EQ(state.value("fault", ""), "plug-in") << state.dump();
+    EXPECT_FALSE(state["direct"].value("passed", true)) << state.dump();
+    EXPECT_NE(state["direct"].value("reason", "").find("does not save byte for byte"), std::string::npos)
+        << state.dump();
+    const SRunResult text = RunHost({"validate", bundle, "--only", "state", "--seed", "11"}, {"DISPLAY="});
+    EXPECT_EQ(text.exitCode, 1);
+    EXPECT_NE(text.out.find("FAIL (plug-in) state"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("hosted directly it fails the same way: "), std::string::npos) << text.out;
 
     AAXHost::CMidiSchedule none;
     SDirectRenderConfig config;
@@ -97,6 +116,56 @@ TEST(ValidateDebian, AmsynthFailsOnlyItsOwnStateRoundTrip)
     EXPECT_NE(first.chunkAtEnd, second.chunkAtEnd) << "amsynth now restores its state byte for byte: "
                                                       "the expectation above is out of date";
     EXPECT_GT(second.chunkAtEnd.size(), first.chunkAtEnd.size());
+}
+
+// A wrapper broken on purpose (its parameter chunk changes with every save;
+// see WrapperChunkFault.cpp) around a plug-in that keeps its state: the
+// state failure is the wrapper's, hosted directly the plug-in passes, and
+// --fail-on wrapper still fails the run.
+TEST(ValidateVerdict, BlamesTheWrapperWhenThePluginPassesHostedDirectly)
+{
+    const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/faulty/Tavrion V2.aaxplugin";
+    ASSERT_TRUE(std::filesystem::exists(bundle));
+    const SRunResult r =
+        RunHost({"validate", bundle, "--json", "--only", "state", "processing", "--level", "2", "--seed", "3",
+                 "--fail-on", "wrapper"},
+                {"DISPLAY="});
+    const nlohmann::json j = r.Json();
+    ASSERT_TRUE(j.is_object()) << r.err;
+    EXPECT_EQ(r.exitCode, 1);
+    for (const auto& c : j["checks"]) {
+        if (c.value("name", "") == "processing") {
+            EXPECT_TRUE(c.value("passed", false)) << c.dump();
+            EXPECT_FALSE(c.contains("fault")) << "a passing check carries no verdict";
+            continue;
+        }
+        EXPECT_FALSE(c.value("passed", true)) << c.dump();
+        EXPECT_EQ(c.value("fault", ""), "wrapper") << c.dump();
+        EXPECT_TRUE(c["direct"].value("passed", false)) << c.dump();
+    }
+    const SRunResult text = RunHost({"validate", bundle, "--only", "state", "--seed", "3"}, {"DISPLAY="});
+    EXPECT_NE(text.out.find("FAIL state"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("hosted directly it passes"), std::string::npos) << text.out;
+}
+
+// Bad citizens' faults are their own: each check they fail, their twin fails
+// hosted directly too.
+TEST(ValidateVerdict, BlamesTheBadCitizensThemselves)
+{
+    for (const char* name : {"BadAlloc", "BadNaN"}) {
+        const SRunResult r = RunHost({"validate", BadBundle(name), "--json", "--only", "realtime", "processing",
+                                      "--seed", "11", "--timeout", "3"},
+                                     {"DISPLAY="});
+        const nlohmann::json j = r.Json();
+        ASSERT_TRUE(j.is_object()) << r.err;
+        int failed = 0;
+        for (const auto& c : j["checks"])
+            if (!c.value("passed", true)) {
+                ++failed;
+                EXPECT_EQ(c.value("fault", ""), "plug-in") << name << ": " << c.dump();
+            }
+        EXPECT_EQ(failed, 1) << name;
+    }
 }
 
 TEST(ValidateCommand, ReportsEachCheckAndRepeatsARunFromItsSeed)
