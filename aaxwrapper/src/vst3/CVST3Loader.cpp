@@ -2,6 +2,7 @@
 // controller pair, and the set-up of parameters, buses and MIDI mappings.
 #include "vst3/CVST3Loader.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -59,7 +60,7 @@ CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffe
         createStandard(classId);
     else
         createClassic(classId);
-    if (mProcessor && !mController)
+    if (!mStandard && mProcessor && !mController)
         MV_LOG("fakehost", kLogWarning, "VST3 plug-in without edit controller");
 
     if (!init()) {
@@ -97,33 +98,45 @@ void CVST3Loader::createClassic(const char* classId)
 }
 
 // The VST 3 documentation's host workflow: the class is created as a
-// component, the processor is queried from it, and the controller is the
-// class the component names, or the component itself.
+// component and the processor is queried from it. Both pointers are kept:
+// a processor may be an object of its own that answers no query back (DPF).
+// The controller is made once the component is initialised.
 void CVST3Loader::createStandard(const char* classId)
 {
-    IComponent* component = nullptr;
-    if (mFactory->createInstance(classId, IComponent::iid, reinterpret_cast<void**>(&component)) != kResultOk ||
-        !component) {
+    if (mFactory->createInstance(classId, IComponent::iid, reinterpret_cast<void**>(&mComponent)) != kResultOk ||
+        !mComponent) {
+        mComponent = nullptr;
         MV_LOG("fakehost", kLogError, "VST3 component creation failed");
         mLoadError = "the factory created no IComponent for the audio class";
         return;
     }
-    if (component->queryInterface(IAudioProcessor::iid, reinterpret_cast<void**>(&mProcessor)) != kResultOk)
+    if (mComponent->queryInterface(IAudioProcessor::iid, reinterpret_cast<void**>(&mProcessor)) != kResultOk)
         mProcessor = nullptr;
-    if (!mProcessor) {
+    if (!mProcessor)
         mLoadError = "the component is no IAudioProcessor";
-        component->release();
-        return;
-    }
+}
+
+// STANDARD: the class the component names, else the component itself.
+void CVST3Loader::createStandardController()
+{
     TUID controllerId;
-    if (component->getControllerClassId(controllerId) == kResultOk &&
+    if (mComponent->getControllerClassId(controllerId) == kResultOk &&
         mFactory->createInstance(controllerId, IEditController::iid, reinterpret_cast<void**>(&mController)) !=
             kResultOk)
         mController = nullptr;
     if (!mController &&
-        component->queryInterface(IEditController::iid, reinterpret_cast<void**>(&mController)) != kResultOk)
+        mComponent->queryInterface(IEditController::iid, reinterpret_cast<void**>(&mController)) != kResultOk)
         mController = nullptr;
-    component->release();
+    if (!mController)
+        MV_LOG("fakehost", kLogWarning, "VST3 plug-in without edit controller");
+}
+
+void CVST3Loader::queryControllerExtensions()
+{
+    if (mController->queryInterface(IUnitInfo::iid, reinterpret_cast<void**>(&mUnitInfo)) != kResultOk)
+        mUnitInfo = nullptr;
+    if (mController->queryInterface(IMidiMapping::iid, reinterpret_cast<void**>(&mMidiMapping)) != kResultOk)
+        mMidiMapping = nullptr;
 }
 
 bool CVST3Loader::init()
@@ -131,20 +144,23 @@ bool CVST3Loader::init()
     std::puts("Init");
     if (!mProcessor)
         return false;
-    if (mProcessor->queryInterface(IComponent::iid, reinterpret_cast<void**>(&mComponent)) != kResultOk)
+    // CLASSIC asks the processor for its component; STANDARD kept the one it made.
+    if (!mStandard &&
+        mProcessor->queryInterface(IComponent::iid, reinterpret_cast<void**>(&mComponent)) != kResultOk)
         mComponent = nullptr;
-    if (mController) {
-        if (mController->queryInterface(IUnitInfo::iid, reinterpret_cast<void**>(&mUnitInfo)) != kResultOk)
-            mUnitInfo = nullptr;
-        if (mController->queryInterface(IMidiMapping::iid, reinterpret_cast<void**>(&mMidiMapping)) != kResultOk)
-            mMidiMapping = nullptr;
-    }
+    if (mController)
+        queryControllerExtensions();
     if (!mComponent)
         return false;
 
     mComponentInitialized = true;
     if (mComponent->initialize(static_cast<IHostApplication*>(this)) != kResultOk)
         return false;
+    if (mStandard) {
+        createStandardController();
+        if (mController)
+            queryControllerExtensions();
+    }
 
     const bool combined = mController && sameObject(mComponent, mController);
     if (mController) {
@@ -238,6 +254,7 @@ void CVST3Loader::setupBuses()
 
     mInputChannelCount = countMainBusChannels(kInput, mInputMainBusMask);
     mOutputChannelCount = countMainBusChannels(kOutput, mOutputMainBusMask);
+    makeScratchChannels();
 
     if (mComponent->getBusCount(kEvent, kInput) <= 0)
         mInputEvents.reset();
@@ -247,6 +264,20 @@ void CVST3Loader::setupBuses()
         mOutputEvents.reset();
     else if (!mOutputEvents)
         mOutputEvents = std::make_unique<Morvane::vst3::EventList>(kEventListSize);
+}
+
+void CVST3Loader::makeScratchChannels()
+{
+    const int32 extraInputs = std::max(0, mInputChannelCount - kContextInputs);
+    const int32 extraOutputs = std::max(0, mOutputChannelCount - kContextOutputs);
+    if (extraInputs > 0 || extraOutputs > 0)
+        MV_LOG("fakehost", kLogNotice, "VST3 - main buses of ", mInputChannelCount, " inputs and ", mOutputChannelCount,
+               " outputs: ", extraInputs, " and ", extraOutputs, " of them get scratch buffers");
+    const size_t block = static_cast<size_t>(mMaxBlock);
+    mScratchInputs.assign(static_cast<size_t>(extraInputs) * block, 0.0f);
+    mScratchOutputs.assign(static_cast<size_t>(extraOutputs) * block, 0.0f);
+    mScratchInputChannels = extraInputs;
+    mScratchOutputChannels = extraOutputs;
 }
 
 int32 CVST3Loader::countMainBusChannels(BusDirection direction, uint64_t& mask)
@@ -348,6 +379,9 @@ void CVST3Loader::releaseAll()
     releaseInterface(mUnitInfo);
     releaseInterface(mMidiMapping);
     releaseInterface(mController);
+    // STANDARD: the processor was handed out by the component; it goes first.
+    if (mStandard)
+        releaseInterface(mProcessor);
     releaseInterface(mComponent);
     releaseInterface(mProcessor);
 }

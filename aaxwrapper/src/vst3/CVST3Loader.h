@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "pluginterfaces/base/ipluginbase.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -42,6 +43,9 @@ public:
     static constexpr Steinberg::int32 kEventListSize = 2048;
     static constexpr Steinberg::int32 kMaxBlockSize = 256;
     static constexpr uint32_t kTimerMilliseconds = 50;
+    // Channels the host's context carries: inputs, and main pair plus stems.
+    static constexpr Steinberg::int32 kContextInputs = 32;
+    static constexpr Steinberg::int32 kContextOutputs = 34;
     using MidiControllerTable = std::array<std::array<Steinberg::int32, kMidiControllerEntries>, kMidiChannels>;
 
     CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner,
@@ -126,10 +130,14 @@ public:
 private:
     void createClassic(const char* classId);
     void createStandard(const char* classId);
+    void createStandardController();
+    void queryControllerExtensions();
     bool configureProcessing(double sampleRate);
     void rereadParameterValues();
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
+    void makeScratchChannels();
+    float* scratchChannel(Steinberg::Vst::BusDirection direction, Steinberg::int32 channel);
 
     AAX_CEffectParameters& mOwner;
     Steinberg::IPluginFactory* mFactory = nullptr;
@@ -155,6 +163,13 @@ private:
     Steinberg::int32 mInputChannelCount = 0;
     Steinberg::int32 mOutputChannelCount = 0;
     Steinberg::MemoryStream mStream;
+    // Main-bus channels beyond the context's get scratch buffers of the most
+    // samples one call may be given, made with the buses: silence in, output
+    // dropped.
+    std::vector<float> mScratchInputs;
+    std::vector<float> mScratchOutputs;
+    Steinberg::int32 mScratchInputChannels = 0;
+    Steinberg::int32 mScratchOutputChannels = 0;
 
     bool mComponentInitialized = false;
     bool mControllerInitialized = false;
