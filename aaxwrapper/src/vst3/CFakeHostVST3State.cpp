@@ -100,6 +100,8 @@ bool CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
     }
 
     auto lock = mVst3Loader->lockControllerAccess();
+    if (IsStandard())
+        mVst3Loader->dropPendingChanges();
     MemoryStream componentStream;
     componentStream.setSize(componentSize);
     if (componentSize)

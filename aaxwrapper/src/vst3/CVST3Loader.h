@@ -77,6 +77,14 @@ public:
 
     // Main thread: queues a host change for the controller, then the processor.
     void addParameterChange(unsigned int id, double value, int sampleOffset);
+    // STANDARD, main thread, processing held off: a restored state
+    // supersedes the values still on their way to the processor or the
+    // controller.
+    void dropPendingChanges()
+    {
+        mHostToProcessor.removeChanges();
+        mProcessorToController.removeChanges();
+    }
     // Real-time thread.
     void setProcessingBuffers(float* const* inputs, float* const* outputs);
     void doProcess(int numSamples);
