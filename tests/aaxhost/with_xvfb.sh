@@ -4,7 +4,7 @@
 set -euo pipefail
 fifo="$(mktemp -u)"
 mkfifo "$fifo"
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
+Xvfb -displayfd 3 -screen 0 1920x1200x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
 server=$!
 trap 'kill "$server" 2>/dev/null || true; rm -f "$fifo"' EXIT
 read -r display <"$fifo"

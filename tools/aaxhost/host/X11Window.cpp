@@ -5,9 +5,11 @@
 #include <X11/extensions/XTest.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 namespace AAXHost {
@@ -150,8 +152,23 @@ bool CX11Window::Screenshot(const std::string& path, std::string& error)
     XSync(mDisplay, False);
     int width = 0, height = 0;
     Size(width, height);
-    XImage* image = XGetImage(mDisplay, mWindow, 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height),
-                              AllPlanes, ZPixmap);
+    // X reads only what lies on the screen: an editor larger than the
+    // display is photographed as far as it shows, the rest left black.
+    int left = 0, top = 0, right = width, bottom = height;
+    int rootX = 0, rootY = 0;
+    Window child = 0;
+    const Window root = DefaultRootWindow(mDisplay);
+    if (XTranslateCoordinates(mDisplay, mWindow, root, 0, 0, &rootX, &rootY, &child)) {
+        const Screen* screen = DefaultScreenOfDisplay(mDisplay);
+        left = std::max(0, -rootX);
+        top = std::max(0, -rootY);
+        right = std::min(width, WidthOfScreen(screen) - rootX);
+        bottom = std::min(height, HeightOfScreen(screen) - rootY);
+    }
+    XImage* image = right > left && bottom > top
+                        ? XGetImage(mDisplay, mWindow, left, top, static_cast<unsigned>(right - left),
+                                    static_cast<unsigned>(bottom - top), AllPlanes, ZPixmap)
+                        : nullptr;
     if (image == nullptr) {
         error = "the window's pixels could not be read";
         return false;
@@ -160,10 +177,11 @@ bool CX11Window::Screenshot(const std::string& path, std::string& error)
     unsigned char* data = cairo_image_surface_get_data(surface);
     const int stride = cairo_image_surface_get_stride(surface);
     cairo_surface_flush(surface);
-    for (int y = 0; y < height; ++y) {
+    std::memset(data, 0, static_cast<size_t>(stride) * static_cast<size_t>(height));
+    for (int y = top; y < bottom; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(data + static_cast<ptrdiff_t>(y) * stride);
-        for (int x = 0; x < width; ++x) {
-            const unsigned long pixel = XGetPixel(image, x, y);
+        for (int x = left; x < right; ++x) {
+            const unsigned long pixel = XGetPixel(image, x - left, y - top);
             row[x] = (Channel(pixel, image->red_mask) << 16) | (Channel(pixel, image->green_mask) << 8) |
                      Channel(pixel, image->blue_mask);
         }
