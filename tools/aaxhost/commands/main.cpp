@@ -7,6 +7,7 @@
 
 #include "CrashReport.h"
 #include "DescriptionPrinter.h"
+#include "DirectRenderCommand.h"
 #include "GuiSession.h"
 #include "JsonOutput.h"
 #include "ParameterList.h"
@@ -192,6 +193,18 @@ int main(int argc, char** argv)
     gui->add_option("--effect", gc.effectID, "Effect ID to open (default: the first)");
     gui->add_flag("--json", json, "Print the sizes as JSON");
 
+    SDirectRenderRequest dr;
+    auto* renderDirect = app.add_subcommand(
+        "render-direct", "Host the wrapped plug-in directly, without the wrapper, and report its output levels");
+    renderDirect->add_option("plugin", dr.plugin, "A wrapper bundle (its plug-in is hosted), a VST 2 library or a VST 3 bundle")
+        ->required();
+    renderDirect->add_option("--midi", dr.midiPath, "Standard MIDI File to play");
+    renderDirect->add_flag("--test-input", dr.testInput, "Feed a distinct sine to every input channel");
+    renderDirect->add_option("--seconds", dr.seconds, "Length in seconds")->capture_default_str();
+    renderDirect->add_option("--rate", dr.sampleRate, "Sample rate in Hz")->capture_default_str();
+    renderDirect->add_option("--block", dr.blockSize, "Buffer size in samples")->capture_default_str();
+    renderDirect->add_flag("--json", dr.json, "Print the levels as JSON");
+
     SValidateConfig vc;
     auto* validate = app.add_subcommand("validate", "Run the named checks a host's validator makes; exit 0 only when all pass");
     validate->add_option("bundle", vc.bundle, "Path of the .aaxplugin bundle")->required();
@@ -233,6 +246,8 @@ int main(int argc, char** argv)
         }
         if (*describe)
             return Describe(bundle, json);
+        if (*renderDirect)
+            return RunDirectRender(dr);
         if (*params)
             return DoParams(bundle, paramsEffect, json);
         if (*render) {
