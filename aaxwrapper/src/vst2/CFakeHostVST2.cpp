@@ -1,6 +1,7 @@
 // Lifecycle, description, parameters and state of the VST 2 fake host.
 #include "vst2/CFakeHostVST2.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <exception>
@@ -108,7 +109,9 @@ bool CFakeHostVST2::Init()
     }
 
     mChannelsFit = effect->numInputs <= kHostInputChannels && effect->numOutputs <= kHostOutputChannels;
-    if (!mChannelsFit)
+    if (!mChannelsFit && IsStandard())
+        MakeWideChannels();
+    else if (!mChannelsFit)
         MV_LOG("fakehost", kLogError, "VST2 - the plug-in has ", effect->numInputs, " inputs and ",
                effect->numOutputs, " outputs, more than the ", kHostInputChannels, " and ", kHostOutputChannels,
                " the host provides: it will output silence");
@@ -124,6 +127,35 @@ bool CFakeHostVST2::Init()
         midiEvent = new VstMidiEvent();
     std::memset(midiEvent, 0, sizeof(VstMidiEvent));
     return true;
+}
+
+void CFakeHostVST2::MakeWideChannels()
+{
+    mScratch.clear();
+    mWideInputs.clear();
+    mWideOutputs.clear();
+    if (effect->numInputs > kMaxWideChannels || effect->numOutputs > kMaxWideChannels) {
+        MV_LOG("fakehost", kLogError, "VST2 - the plug-in has ", effect->numInputs, " inputs and ",
+               effect->numOutputs, " outputs, more than the ", kMaxWideChannels,
+               " a wrapper gives: it will output silence");
+        return;
+    }
+    const int inputs = std::max(effect->numInputs, 0);
+    const int outputs = std::max(effect->numOutputs, 0);
+    const int extraInputs = std::max(inputs - kHostInputChannels, 0);
+    const int extraOutputs = std::max(outputs - kHostOutputChannels, 0);
+    MV_LOG("fakehost", kLogNotice, "VST2 - the plug-in has ", inputs, " inputs and ", outputs, " outputs: ",
+           extraInputs, " and ", extraOutputs, " beyond the host's get scratch buffers");
+    const size_t block = static_cast<size_t>(kStandardMaxBlock);
+    mScratch.assign(static_cast<size_t>(extraInputs + extraOutputs) * block, 0.0f);
+    // Never empty, so that its size says the channels are made.
+    mWideInputs.assign(static_cast<size_t>(std::max(inputs, 1)), nullptr);
+    mWideOutputs.assign(static_cast<size_t>(std::max(outputs, 1)), nullptr);
+    float* next = mScratch.data();
+    for (int c = kHostInputChannels; c < inputs; ++c, next += block)
+        mWideInputs[static_cast<size_t>(c)] = next;
+    for (int c = kHostOutputChannels; c < outputs; ++c, next += block)
+        mWideOutputs[static_cast<size_t>(c)] = next;
 }
 
 void CFakeHostVST2::Setup()

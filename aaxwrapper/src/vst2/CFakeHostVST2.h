@@ -104,8 +104,18 @@ private:
     bool mTimeStale = false;
     int32_t mTimeStart = 0;
     // False when the effect declares more channels than the host's context
-    // carries; it is then not processed rather than let run past the arrays.
+    // carries. CLASSIC then does not process it rather than let it run past
+    // the arrays; STANDARD gives it every channel it declares (see below).
     bool mChannelsFit = true;
+    // STANDARD, more channels than the context: the context's channels, then
+    // scratch buffers of the largest block made at Init (silence in, output
+    // dropped). The pointer arrays are refilled per call, nothing allocated.
+    void MakeWideChannels();
+    void PointWideChannels(S_Alg_Context* context, int32_t start, int32_t frames, float**& inputs, float**& outputs);
+    std::vector<float> mScratch;
+    std::vector<float*> mWideInputs;
+    std::vector<float*> mWideOutputs;
+    static constexpr int kMaxWideChannels = 256;
 
     void CreateEffect(const CVST2PluginLoader::EntryFunction& entry);
 

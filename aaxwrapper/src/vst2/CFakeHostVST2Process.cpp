@@ -192,8 +192,9 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
             mPendingRate.store(rate);
     }
     const int32_t frames = context->mBufferLength != nullptr ? *context->mBufferLength : 0;
-    if (!mChannelsFit || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
-        if (!mChannelsFit)
+    const bool channelsMade = mChannelsFit || !mWideOutputs.empty();
+    if (!channelsMade || effect->processReplacing == nullptr || context->mOutputs == nullptr) {
+        if (!channelsMade)
             SilenceAllOutputs(*context);
     } else if (frames <= kStandardMaxBlock) {
         // The whole buffer in one call, as ProcessSlice would do it for a
@@ -202,9 +203,12 @@ void CFakeHostVST2::ProcessStandard(S_Alg_Context* context)
         STimeInfoOwed owed{mTimeStale};
         if (const AAX_CMidiStream* midi = PostedMidi(*context))
             PushSliceEvents(*midi, 0, frames, true);
+        float** inputs = const_cast<float**>(context->mInputs);
+        float** outputs = const_cast<float**>(context->mOutputs);
+        if (!mChannelsFit)
+            PointWideChannels(context, 0, frames, inputs, outputs);
         if (frames > 0)
-            effect->processReplacing(effect, const_cast<float**>(context->mInputs),
-                                     const_cast<float**>(context->mOutputs), frames);
+            effect->processReplacing(effect, inputs, outputs, frames);
     } else {
         for (int32_t start = 0; start < frames; start += kStandardMaxBlock)
             ProcessSlice(context, start, std::min(kStandardMaxBlock, frames - start));
@@ -228,8 +232,28 @@ void CFakeHostVST2::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t 
         inputs = inputs != nullptr ? mSliceInputs : nullptr;
         outputs = mSliceOutputs;
     }
+    if (!mChannelsFit)
+        PointWideChannels(context, start, frames, inputs, outputs);
     if (frames > 0)
         effect->processReplacing(effect, inputs, outputs, frames);
+}
+
+void CFakeHostVST2::PointWideChannels(S_Alg_Context* context, int32_t start, int32_t frames, float**& inputs,
+                                      float**& outputs)
+{
+    const size_t count = static_cast<size_t>(std::clamp(frames, 0, kStandardMaxBlock));
+    const size_t hostInputs = std::min(mWideInputs.size(), static_cast<size_t>(kHostInputChannels));
+    for (size_t c = 0; c < hostInputs; ++c)
+        mWideInputs[c] = context->mInputs != nullptr && context->mInputs[c] != nullptr ? context->mInputs[c] + start
+                                                                                       : nullptr;
+    // A plug-in may have written into its inputs last time.
+    for (size_t c = hostInputs; c < mWideInputs.size(); ++c)
+        std::memset(mWideInputs[c], 0, sizeof(float) * count);
+    const size_t hostOutputs = std::min(mWideOutputs.size(), static_cast<size_t>(kHostOutputChannels));
+    for (size_t c = 0; c < hostOutputs; ++c)
+        mWideOutputs[c] = context->mOutputs[c] != nullptr ? context->mOutputs[c] + start : nullptr;
+    inputs = mWideInputs.data();
+    outputs = mWideOutputs.data();
 }
 
 // STANDARD: every event of the slice in one list, in time order, each a

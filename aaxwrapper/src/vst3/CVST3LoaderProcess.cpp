@@ -2,8 +2,16 @@
 // process call. Runs on the real-time thread, except addParameterChange.
 #include "vst3/CVST3Loader.h"
 
+#include <algorithm>
+#include <cstring>
+
+#include "S_Alg_Context.h"
+
 using namespace Steinberg;
 using namespace Steinberg::Vst;
+
+static_assert(CVST3Loader::kContextInputs == kAlgBypassChannels, "the context's inputs");
+static_assert(CVST3Loader::kContextOutputs == 2 + 2 * kNumOutputStems, "the context's outputs");
 
 void CVST3Loader::addParameterChange(unsigned int id, double value, int sampleOffset)
 {
@@ -18,14 +26,30 @@ void CVST3Loader::queueForController(ParamID id, double value)
     mProcessorToController.addChange(id, value, 0);
 }
 
+float* CVST3Loader::scratchChannel(BusDirection direction, int32 channel)
+{
+    const bool input = direction == kInput;
+    const int32 index = channel - (input ? kContextInputs : kContextOutputs);
+    if (index < 0 || index >= (input ? mScratchInputChannels : mScratchOutputChannels))
+        return nullptr;
+    std::vector<float>& scratch = input ? mScratchInputs : mScratchOutputs;
+    return scratch.data() + static_cast<size_t>(index) * static_cast<size_t>(mMaxBlock);
+}
+
 void CVST3Loader::setProcessingBuffers(float* const* inputs, float* const* outputs)
 {
     int32 k = 0;
     for (int32 bus = 0; bus < mProcessData.numInputs; ++bus) {
         AudioBusBuffers& buffers = mProcessData.inputs[bus];
         if (bus < 64 && (mInputMainBusMask & (uint64_t{1} << bus))) {
-            for (int32 c = 0; c < buffers.numChannels; ++c)
-                buffers.channelBuffers32[c] = inputs ? inputs[k++] : nullptr;
+            for (int32 c = 0; c < buffers.numChannels; ++c) {
+                float* channel = nullptr;
+                if (inputs) {
+                    channel = k < kContextInputs ? inputs[k] : scratchChannel(kInput, k);
+                    ++k;
+                }
+                buffers.channelBuffers32[c] = channel;
+            }
         } else {
             buffers.silenceFlags = ~uint64_t{0};
         }
@@ -35,8 +59,14 @@ void CVST3Loader::setProcessingBuffers(float* const* inputs, float* const* outpu
         AudioBusBuffers& buffers = mProcessData.outputs[bus];
         buffers.silenceFlags = 0;
         if (bus < 64 && (mOutputMainBusMask & (uint64_t{1} << bus))) {
-            for (int32 c = 0; c < buffers.numChannels; ++c)
-                buffers.channelBuffers32[c] = outputs ? outputs[k++] : nullptr;
+            for (int32 c = 0; c < buffers.numChannels; ++c) {
+                float* channel = nullptr;
+                if (outputs) {
+                    channel = k < kContextOutputs ? outputs[k] : scratchChannel(kOutput, k);
+                    ++k;
+                }
+                buffers.channelBuffers32[c] = channel;
+            }
         }
     }
 }
@@ -46,6 +76,10 @@ void CVST3Loader::doProcess(int numSamples)
     if (!mProcessor)
         return;
     mProcessData.numSamples = numSamples;
+    // A plug-in may have written into its inputs last time.
+    const size_t scratchBytes = sizeof(float) * static_cast<size_t>(std::clamp(numSamples, 0, int(mMaxBlock)));
+    for (int32 c = 0; c < mScratchInputChannels; ++c)
+        std::memset(scratchChannel(kInput, kContextInputs + c), 0, scratchBytes);
     if (!mProcessingStarted) {
         mProcessingStarted = true;
         mProcessor->setProcessing(true);
