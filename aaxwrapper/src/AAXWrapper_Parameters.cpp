@@ -275,18 +275,17 @@ AAX_Result AAXWrapper_Parameters::UpdateParameterNormalizedValue(AAX_CParamID iP
                " refused, not a finite value");
         return AAX_ERROR_INVALID_ARGUMENT;
     }
+    double held = iValue;
     if (mFakeHost != nullptr && iParameterID != nullptr && std::strcmp(iParameterID, kMasterBypassID) != 0) {
-        CallFakeHost("UpdateParameterNormalizedValue", [&] { ForwardParameterChange(iParameterID, iValue); });
+        CallFakeHost("UpdateParameterNormalizedValue", [&] { held = ForwardParameterChange(iParameterID, iValue); });
     }
-    return AAX_CEffectParameters::UpdateParameterNormalizedValue(iParameterID, iValue, iSource);
+    return AAX_CEffectParameters::UpdateParameterNormalizedValue(iParameterID, held, iSource);
 }
 
-void AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, double iValue)
+double AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, double iValue)
 {
-    if (IsStandard()) {
-        ForwardChangeOnce(iParameterID, iValue);
-        return;
-    }
+    if (IsStandard())
+        return ForwardChangeOnce(iParameterID, iValue);
     const int index = std::atoi(iParameterID);
     std::string name;
     float current = 0.0f;
@@ -300,32 +299,45 @@ void AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, do
         mFakeHost->AddInputChangeForGUI(index, iValue);
         mFakeHost->AddInputChangeForProcessing(index, iValue);
     }
+    return iValue;
 }
 
 // STANDARD: compared with the last value that crossed, never with what the
-// plug-in calls its default, and without asking the plug-in.
-void AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double iValue)
+// plug-in calls its default. Once sent, the value the plug-in holds (a switch
+// or a choice snaps the host's value) is what the AAX parameter keeps, so
+// that the parameter chunk saves what a restore will find.
+double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double iValue)
 {
     errno = 0;
     char* end = nullptr;
     const unsigned long tag = std::strtoul(iParameterID, &end, 10);
     if (end == iParameterID || *end != '\0' || errno != 0)
-        return;
+        return iValue;
     const auto found = mIndexByTag.find(static_cast<uint32_t>(tag));
     if (found == mIndexByTag.end())
-        return;
+        return iValue;
     const int index = found->second;
     std::atomic<double>& last = mLastValues[static_cast<size_t>(index)];
     const double previous = last.load(std::memory_order_relaxed);
     // The host's echo of a value the plug-in itself just set ends here. The
     // AAX parameters hold single precision, so that is what "same" means.
     if (static_cast<float>(previous) == static_cast<float>(iValue))
-        return;
+        return iValue;
     MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ", iParameterID,
               " from ", previous, " to ", iValue);
     last.store(iValue, std::memory_order_relaxed);
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
+    double held = iValue;
+    if (!mFakeHost->GetParameterValue(index, held) || !std::isfinite(held))
+        return iValue;
+    if (static_cast<float>(held) != static_cast<float>(iValue)) {
+        MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " parameter ", iParameterID,
+                  " holds ", held, " for ", iValue);
+        // The host's echo of the held value is then no change.
+        last.store(held, std::memory_order_relaxed);
+    }
+    return held;
 }
 
 // After the plug-in's own state was restored: the AAX parameters take the

@@ -63,8 +63,9 @@ private:
     void LogPluginInfo();
     void LogWherePluginWasFound(const std::string& path) const;
     void PublishPluginParameters();
-    void ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
-    void ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
+    // Both give the value the AAX parameter is to hold after the change.
+    double ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
+    double ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
     void OnPluginValue(uint32_t tag, double value) override;
     void ReadParametersFromPlugin();
     bool IsStandard() const;
