@@ -95,6 +95,8 @@ DirectCheckFunction FindDirectCheck(const std::string& name)
         return DirectRealtime;
     if (name == "instances")
         return DirectInstances;
+    if (name == "load-unload")
+        return DirectLoadUnload;
     return nullptr;
 }
 

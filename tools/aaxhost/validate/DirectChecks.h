@@ -19,6 +19,7 @@ void DirectState(CValidationContext& context, const AAXDirect::SDirectSetup& set
 void DirectProcessing(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result);
 void DirectThreads(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result);
 void DirectRealtime(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result);
+void DirectLoadUnload(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result);
 void DirectInstances(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result);
 
 }  // namespace AAXHost

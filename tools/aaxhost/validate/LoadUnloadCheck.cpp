@@ -8,6 +8,8 @@
 #include "BundleLoader.h"
 #include "CheckProcess.h"
 #include "CheckRegistry.h"
+#include "DirectChecks.h"
+#include "DirectRig.h"
 #include "HostDescriptors.h"
 #include "HostServices.h"
 #include "ProcessFigures.h"
@@ -113,30 +115,9 @@ bool LoadRegisterUnload(const std::string& library, bool withInstance, std::stri
     return ok;
 }
 
-}  // namespace
-
-void CheckLoadUnload(CValidationContext& context, SCheckResult& result)
+// What the rounds after the first left behind: files, threads, memory.
+void JudgeRounds(const SProcessFigures& before, const SProcessFigures& after, int rounds, SCheckResult& result)
 {
-    std::string library, error;
-    if (!FindBundleLibrary(context.Config().bundle, library, error)) {
-        result.Fail(error);
-        return;
-    }
-    const int rounds = context.Plan().loadCycles;
-    // The first round loads what stays for the process's life (the C++
-    // runtime's pools, the dynamic loader's caches); it is not counted.
-    if (!LoadRegisterUnload(library, true, error)) {
-        result.Fail("round 1: " + error);
-        return;
-    }
-    const SProcessFigures before = ReadProcessFigures();
-    for (int i = 0; i < rounds; ++i) {
-        if (!LoadRegisterUnload(library, true, error)) {
-            result.Fail("round " + std::to_string(i + 2) + ": " + error);
-            return;
-        }
-    }
-    const SProcessFigures after = ReadProcessFigures();
     const int64_t grown = after.residentBytes - before.residentBytes;
     result.details = {{"rounds", rounds + 1},
                       {"resident_bytes_before", before.residentBytes},
@@ -162,6 +143,65 @@ void CheckLoadUnload(CValidationContext& context, SCheckResult& result)
                   static_cast<double>(grown) / 1048576.0, after.openFiles - before.openFiles,
                   after.threads - before.threads);
     result.Note(text);
+}
+
+// The plug-in alone: loaded, opened, played and unloaded by a direct host.
+bool DirectRound(const AAXDirect::SDirectSetup& setup, std::string& error)
+{
+    SetCheckPhase("load-unload (hosted directly): loading and opening");
+    CDirectRig rig(setup, 48000.0, 256);
+    if (!rig.Create(error))
+        return false;
+    SetCheckPhase("load-unload (hosted directly): processing");
+    for (int i = 0; i < 4; ++i)
+        rig.Process(256);
+    SetCheckPhase("load-unload (hosted directly): closing and unloading");
+    CheckBeat();
+    return true;
+}
+
+}  // namespace
+
+void CheckLoadUnload(CValidationContext& context, SCheckResult& result)
+{
+    std::string library, error;
+    if (!FindBundleLibrary(context.Config().bundle, library, error)) {
+        result.Fail(error);
+        return;
+    }
+    const int rounds = context.Plan().loadCycles;
+    // The first round loads what stays for the process's life (the C++
+    // runtime's pools, the dynamic loader's caches); it is not counted.
+    if (!LoadRegisterUnload(library, true, error)) {
+        result.Fail("round 1: " + error);
+        return;
+    }
+    const SProcessFigures before = ReadProcessFigures();
+    for (int i = 0; i < rounds; ++i) {
+        if (!LoadRegisterUnload(library, true, error)) {
+            result.Fail("round " + std::to_string(i + 2) + ": " + error);
+            return;
+        }
+    }
+    JudgeRounds(before, ReadProcessFigures(), rounds, result);
+}
+
+void DirectLoadUnload(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result)
+{
+    const int rounds = context.Plan().loadCycles;
+    std::string error;
+    if (!DirectRound(setup, error)) {
+        result.Fail("round 1: the plug-in cannot be hosted directly: " + error);
+        return;
+    }
+    const SProcessFigures before = ReadProcessFigures();
+    for (int i = 0; i < rounds; ++i) {
+        if (!DirectRound(setup, error)) {
+            result.Fail("round " + std::to_string(i + 2) + ": the plug-in cannot be hosted directly: " + error);
+            return;
+        }
+    }
+    JudgeRounds(before, ReadProcessFigures(), rounds, result);
 }
 
 }  // namespace AAXHost
