@@ -51,6 +51,14 @@ void Randomise(CValidationContext& context, AAXDirect::IDirectPlugin& plugin)
         plugin.SetParameter(i, context.RandomUnit());
 }
 
+std::vector<double> ParameterValues(AAXDirect::IDirectPlugin& plugin)
+{
+    std::vector<double> values(static_cast<size_t>(std::max(plugin.ParameterCount(), 0)));
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = plugin.GetParameter(static_cast<int>(i));
+    return values;
+}
+
 bool SaveState(CDirectRig& rig, std::vector<char>& state, const std::string& what, SCheckResult& result)
 {
     std::string error;
@@ -151,6 +159,10 @@ void DirectParameters(CValidationContext& context, const AAXDirect::SDirectSetup
 void DirectState(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result)
 {
     std::vector<char> saved, restored;
+    // What a host shows and saves beside the plug-in's own state: the
+    // parameter values, which a restore must give back too.
+    std::vector<double> shown, shownAfterRestore;
+    std::string firstName;
     {
         CDirectRig source(setup, 48000.0, kStateBlock);
         if (!Created(source, "state (hosted directly): instance creation", result))
@@ -163,6 +175,7 @@ void DirectState(CValidationContext& context, const AAXDirect::SDirectSetup& set
         SetCheckPhase("state (hosted directly): saving");
         if (!SaveState(source, saved, "saving the state failed", result))
             return;
+        shown = ParameterValues(source.Plugin());
         SetCheckPhase("state (hosted directly): instance destruction");
     }
     {
@@ -181,6 +194,10 @@ void DirectState(CValidationContext& context, const AAXDirect::SDirectSetup& set
         SetCheckPhase("state (hosted directly): saving after the restore");
         if (!SaveState(fresh, restored, "saving the restored state failed", result))
             return;
+        shownAfterRestore = ParameterValues(fresh.Plugin());
+        for (size_t i = 0; i < shown.size() && i < shownAfterRestore.size() && firstName.empty(); ++i)
+            if (shown[i] != shownAfterRestore[i])
+                firstName = fresh.Plugin().ParameterName(static_cast<int>(i));
         SetCheckPhase("state (hosted directly): instance destruction");
     }
     result.details = {{"bytes", saved.size()}, {"bytes_after_restore", restored.size()}};
@@ -193,6 +210,11 @@ void DirectState(CValidationContext& context, const AAXDirect::SDirectSetup& set
             result.Fail("the restored state does not save byte for byte as it was saved: it differs first at byte " +
                         std::to_string(diverge.first - saved.begin()) + " of " + std::to_string(saved.size()));
     }
+    for (size_t i = 0; i < shown.size() && i < shownAfterRestore.size() && result.passed; ++i)
+        if (shown[i] != shownAfterRestore[i])
+            result.Fail("the restored state does not give back the parameter values it was saved with: parameter " +
+                        std::to_string(i) + " (" + firstName + ") read " + Percent(shown[i]) +
+                        " before the save and " + Percent(shownAfterRestore[i]) + " after the restore");
     // Damaged copies, as the check makes them of the wrapper's chunk.
     int damagedCount = 0;
     const size_t size = saved.size();
