@@ -329,14 +329,20 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
     double held = iValue;
-    if (!mFakeHost->GetParameterValue(index, held) || !std::isfinite(held))
+    if (!mFakeHost->GetParameterValue(index, held) || !std::isfinite(held) ||
+        static_cast<float>(held) == static_cast<float>(iValue))
         return iValue;
-    if (static_cast<float>(held) != static_cast<float>(iValue)) {
-        MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " parameter ", iParameterID,
-                  " holds ", held, " for ", iValue);
-        // The host's echo of the held value is then no change.
-        last.store(held, std::memory_order_relaxed);
-    }
+    // A value the plug-in only rounds (through its own units and single
+    // precision; a step is never that fine) stays the host's when the AAX
+    // values are the plug-in's whole state: sent back on a restore, the
+    // rounded one would not give the same sound.
+    constexpr double kRoundingOnly = 1e-6;
+    if (std::fabs(held - iValue) <= kRoundingOnly && !mFakeHost->StateHoldsParameterValues())
+        return iValue;
+    MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " parameter ", iParameterID, " holds ", held,
+              " for ", iValue);
+    // The host's echo of the held value is then no change.
+    last.store(held, std::memory_order_relaxed);
     return held;
 }
 

@@ -53,6 +53,9 @@ public:
     virtual bool GetState(unsigned int* outSize, void* outpData) = 0;
     // False when the block was refused and the plug-in was left as it was.
     virtual bool SetState(unsigned int inSize, void* inpData) = 0;
+    // Whether the plug-in's own state sets its parameter values on a restore
+    // (a VST 2 plug-in without chunks has none: the AAX values are its state).
+    virtual bool StateHoldsParameterValues() { return true; }
 
     // --- Main thread, from the editor view bridge. --------------------------
     // Touches the plug-in's editor and the host's view container only.

@@ -55,6 +55,7 @@ public:
     int32_t TimerWakeup() override;
     bool GetState(unsigned int* outSize, void* outpData) override;
     bool SetState(unsigned int inSize, void* inpData) override;
+    bool StateHoldsParameterValues() override { return effect != nullptr && (effect->flags & effFlagsProgramChunks) != 0; }
 
     // The callback handed to the effect's entry function.
     static VstIntPtr staticHostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index,
