@@ -268,11 +268,13 @@ void CVST3Loader::setupBuses()
 
 void CVST3Loader::makeScratchChannels()
 {
-    const int32 extraInputs = std::max(0, mInputChannelCount - kContextInputs);
-    const int32 extraOutputs = std::max(0, mOutputChannelCount - kContextOutputs);
+    // A bus of absurd width gets no more than this; its other channels stay null.
+    constexpr int32 kMostScratchChannels = 256;
+    const int32 extraInputs = std::clamp(mInputChannelCount - kContextInputs, 0, kMostScratchChannels);
+    const int32 extraOutputs = std::clamp(mOutputChannelCount - kContextOutputs, 0, kMostScratchChannels);
     if (extraInputs > 0 || extraOutputs > 0)
         MV_LOG("fakehost", kLogNotice, "VST3 - main buses of ", mInputChannelCount, " inputs and ", mOutputChannelCount,
-               " outputs: ", extraInputs, " and ", extraOutputs, " of them get scratch buffers");
+               " outputs: ", extraInputs, " and ", extraOutputs, " beyond the host's get scratch buffers");
     const size_t block = static_cast<size_t>(mMaxBlock);
     mScratchInputs.assign(static_cast<size_t>(extraInputs) * block, 0.0f);
     mScratchOutputs.assign(static_cast<size_t>(extraOutputs) * block, 0.0f);
