@@ -65,6 +65,9 @@ public:
     // transport in the plug-in's terms), then the plug-in's.
     virtual void Prepare(const AAX_CMidiPacket* midi, size_t count, const SDirectTransport& transport, int frames) = 0;
     virtual void Process(int frames) = 0;
+    // The first output channel the plug-in wrote past the end of (its
+    // buffers are followed by guard zones), or -1. No allocation.
+    virtual int FirstOverrunOutput() const = 0;
 };
 
 std::unique_ptr<IDirectPlugin> MakeDirectVst2Plugin();

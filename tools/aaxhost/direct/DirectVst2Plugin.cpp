@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "AlignedChannels.h"
+#include "GuardedChannels.h"
 #include "DirectPlugin.h"
 #include "vst2/CVST2PluginLoader.h"
 #include "vst2/VstInterface.h"
@@ -193,6 +193,8 @@ public:
         mEffect->processReplacing(mEffect, mInputPtrs.data(), mOutputPtrs.data(), frames);
     }
 
+    int FirstOverrunOutput() const override { return mOutputs.FirstOverrun(); }
+
 private:
     static VstIntPtr Callback(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr, void* ptr, float)
     {
@@ -249,10 +251,8 @@ private:
     void MakeBuffers()
     {
         const size_t frames = static_cast<size_t>(std::max(mSetup.maxBlock, 1));
-        mInputPtrs = AAXHost::AlignedChannels(mInputs, static_cast<size_t>(std::max(InputChannels(), kMinInputBuffers)),
-                                              frames);
-        mOutputPtrs = AAXHost::AlignedChannels(
-            mOutputs, static_cast<size_t>(std::max(OutputChannels(), kMinOutputBuffers)), frames);
+        mInputPtrs = mInputs.Make(static_cast<size_t>(std::max(InputChannels(), kMinInputBuffers)), frames);
+        mOutputPtrs = mOutputs.Make(static_cast<size_t>(std::max(OutputChannels(), kMinOutputBuffers)), frames);
     }
 
     SDirectSetup mSetup;
@@ -261,7 +261,7 @@ private:
     CVST2PluginLoader::EntryFunction mEntry;
     AEffect* mEffect = nullptr;
     VstTimeInfo mTime{};
-    std::vector<float> mInputs, mOutputs;
+    CGuardedChannels mInputs, mOutputs;
     std::vector<float*> mInputPtrs, mOutputPtrs;
     std::vector<VstMidiEvent> mEventRecords;
     std::vector<char> mEventStorage;  // a VstEvents with room for kMaxEvents pointers

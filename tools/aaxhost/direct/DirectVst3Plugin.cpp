@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "AlignedChannels.h"
+#include "GuardedChannels.h"
 #include "ByteStream.h"
 #include "DirectPlugin.h"
 #include "pluginterfaces/base/ipluginbase.h"
@@ -274,6 +274,8 @@ public:
         mProcessor->process(*mData);
     }
 
+    int FirstOverrunOutput() const override { return mOutputStorage.FirstOverrun(); }
+
 private:
     bool FindAudioClass()
     {
@@ -348,7 +350,7 @@ private:
     // Every bus's channels get storage, main buses first so that they are
     // the channels shown; aux buses the plug-in turns on by default are
     // switched off, as the wrapper does.
-    void ConnectBuses(BusDirection direction, std::vector<float>& storage, std::vector<float*>& channels,
+    void ConnectBuses(BusDirection direction, CGuardedChannels& storage, std::vector<float*>& channels,
                       int32 busCount, AudioBusBuffers* buses)
     {
         std::vector<int32> order;
@@ -369,7 +371,7 @@ private:
                 }
                 count += static_cast<size_t>(buses[bus].numChannels);
             }
-        channels = AAXHost::AlignedChannels(storage, count, static_cast<size_t>(std::max(mSetup.maxBlock, 1)));
+        channels = storage.Make(count, static_cast<size_t>(std::max(mSetup.maxBlock, 1)));
         size_t next = 0;
         for (int32 bus : order)
             for (int32 c = 0; c < buses[bus].numChannels; ++c)
@@ -397,7 +399,7 @@ private:
     Morvane::vst3::EventList mEvents{kEventListSize};
     Morvane::vst3::ParameterChanges mInputChanges, mOutputChanges;
     Morvane::vst3::ParameterChangeTransfer mTransfer;
-    std::vector<float> mInputStorage, mOutputStorage;
+    CGuardedChannels mInputStorage, mOutputStorage;
     std::vector<float*> mInputs, mOutputs;
     size_t mMainInputs = 0, mMainOutputs = 0;
 };

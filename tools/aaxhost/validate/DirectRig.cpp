@@ -74,6 +74,10 @@ void CDirectRig::Process(int frames)
     mPlugin->Process(frames);
     if (mCountAllocations)
         ArmAllocationCount(false);
+    const int overrun = mPlugin->FirstOverrunOutput();
+    if (overrun >= 0)
+        throw CPluginOverrun("the plug-in wrote past the end of output channel " + std::to_string(overrun) + " (" +
+                             std::to_string(frames) + " samples asked for)");
     for (int ch = 0; ch < mPlugin->OutputChannels(); ++ch) {
         const float* out = mPlugin->Output(ch);
         for (int i = 0; i < frames; ++i) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,13 @@
 #include "ProcessingRig.h"
 
 namespace AAXHost {
+
+// A plug-in that wrote past its buffers has damaged memory: the direct run
+// ends there, as a crash would end it in a host.
+class CPluginOverrun : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 class CDirectRig {
 public:

@@ -4,6 +4,7 @@
 
 #include "CheckProcess.h"
 #include "DirectChecks.h"
+#include "DirectRig.h"
 #include "PluginSession.h"
 #include "ValidationContext.h"
 #include "WrapperStatus.h"
@@ -12,13 +13,14 @@ namespace AAXHost {
 
 namespace {
 
-// A process that ended abnormally (crash, hang, exit, escaped exception) is
+// A process that ended abnormally (crash, hang, exit, escaped exception,
+// memory written past a buffer, which a host survives only by chance) is
 // one way of failing; a check's own finding is the other. Which signal or
 // which exception differs between hosts: the wrapper catches what the
 // plug-in throws and may end on another signal.
 bool EndedAbnormally(const std::string& reason)
 {
-    for (const char* start : {"crashed", "hung:", "the check's process ended", "an exception escaped"})
+    for (const char* start : {"crashed", "hung:", "the check's process ended", "an exception escaped", "memory damaged:"})
         if (reason.rfind(start, 0) == 0)
             return true;
     return false;
@@ -31,6 +33,8 @@ std::string RunTwinInChild(const SValidateConfig& config, DirectCheckFunction tw
     try {
         CValidationContext context(config, seed);
         twin(context, setup, result);
+    } catch (const CPluginOverrun& e) {
+        result.Fail(std::string("memory damaged: ") + e.what());
     } catch (const std::exception& e) {
         result.Fail(std::string("an exception escaped: ") + e.what());
     }
