@@ -44,8 +44,11 @@ AAX_Result AAXWrapper_Parameters::GetChunkIDFromIndex(int32_t iIndex, AAX_CTypeI
 
 AAX_Result AAXWrapper_Parameters::GetChunkSize(AAX_CTypeID iChunkID, uint32_t* oSize) const
 {
-    if (iChunkID != WrapperChunkID())
+    if (iChunkID != WrapperChunkID()) {
+        // The parameter chunk saves what the plug-in holds now.
+        CallFakeHost("GetChunkSize", [&] { const_cast<AAXWrapper_Parameters*>(this)->SyncHeldValues(); });
         return AAX_CEffectParameters::GetChunkSize(iChunkID, oSize);
+    }
     if (oSize == nullptr)
         return AAX_ERROR_NULL_ARGUMENT;
     if (mFakeHost != nullptr) {
@@ -61,8 +64,10 @@ AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChun
     if (oChunk == nullptr)
         return AAX_ERROR_NULL_ARGUMENT;
     MV_LOG("parameters", kLogInfo, "GetChunk", " IN ", iChunkID, " size = ", oChunk->fSize);
-    if (iChunkID != WrapperChunkID())
+    if (iChunkID != WrapperChunkID()) {
+        CallFakeHost("GetChunk", [&] { const_cast<AAXWrapper_Parameters*>(this)->SyncHeldValues(); });
         return AAX_CEffectParameters::GetChunk(iChunkID, oChunk);
+    }
     if (mFakeHost == nullptr)
         return AAX_SUCCESS;
     // The host sized the chunk from our earlier GetChunkSize. A state that has

@@ -328,6 +328,7 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
     last.store(iValue, std::memory_order_relaxed);
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
+    mHeldValuesStale.store(true, std::memory_order_relaxed);
     double held = iValue;
     if (!mFakeHost->GetParameterValue(index, held) || !std::isfinite(held) ||
         static_cast<float>(held) == static_cast<float>(iValue))
@@ -367,6 +368,30 @@ void AAXWrapper_Parameters::ReadParametersFromPlugin()
     }
 }
 
+// A plug-in whose controls are linked (a position as angles and as
+// coordinates) moves other parameters when one is set, and not every one
+// says so. Read once per timer call or before the parameter chunk is saved,
+// not per change: a plug-in may have thousands of parameters.
+void AAXWrapper_Parameters::SyncHeldValues()
+{
+    if (!IsStandard() || mFakeHost == nullptr || !mHeldValuesStale.exchange(false, std::memory_order_relaxed))
+        return;
+    constexpr double kRoundingOnly = 1e-6;  // as for the parameter just set
+    const bool keepRounding = !mFakeHost->StateHoldsParameterValues();
+    for (const auto& published : mPublished) {
+        double value = 0.0, current = 0.0;
+        if (!mFakeHost->GetParameterValue(published.first, value) || !std::isfinite(value) ||
+            GetParameterNormalizedValue(published.second.c_str(), &current) != AAX_SUCCESS ||
+            static_cast<float>(current) == static_cast<float>(value) ||
+            (keepRounding && std::fabs(current - value) <= kRoundingOnly))
+            continue;
+        AAX_CEffectParameters::UpdateParameterNormalizedValue(published.second.c_str(), value,
+                                                              AAX_eUpdateSource_Unspecified);
+        if (static_cast<size_t>(published.first) < mLastValueCount)
+            mLastValues[static_cast<size_t>(published.first)].store(value, std::memory_order_relaxed);
+    }
+}
+
 void AAXWrapper_Parameters::OnPluginValue(uint32_t tag, double value)
 {
     if (!IsStandard())
@@ -379,7 +404,10 @@ void AAXWrapper_Parameters::OnPluginValue(uint32_t tag, double value)
 AAX_Result AAXWrapper_Parameters::TimerWakeup()
 {
     if (mFakeHost != nullptr)
-        CallFakeHost("TimerWakeup", [&] { mFakeHost->ApplyPendingSettings(); });
+        CallFakeHost("TimerWakeup", [&] {
+            mFakeHost->ApplyPendingSettings();
+            SyncHeldValues();
+        });
     return AAX_CEffectParameters::TimerWakeup();
 }
 

@@ -68,6 +68,9 @@ private:
     double ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
     void OnPluginValue(uint32_t tag, double value) override;
     void ReadParametersFromPlugin();
+    // STANDARD, main thread: after host changes, the values of every
+    // parameter, since setting one may move others (linked controls).
+    void SyncHeldValues();
     bool IsStandard() const;
 
     IFakeHost* mFakeHost = nullptr;
@@ -91,4 +94,6 @@ private:
     // Set while a chunk is being restored; the callback outputs silence then.
     // Atomic only so the cross-thread read is well defined; no ordering needed.
     std::atomic<bool> mIsLoadingState{false};
+    // A host change reached the plug-in since the values were last read back.
+    std::atomic<bool> mHeldValuesStale{false};
 };
