@@ -3,6 +3,9 @@
 // the library is unmapped, so LeakSanitizer (the ASan run) finds it.
 #include <dlfcn.h>
 
+#include <cstdlib>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "BundleLoader.h"
@@ -44,4 +47,37 @@ TEST(BundleCycles, LoadingAndUnloadingTheBundleLeaksNothing)
     ASSERT_TRUE(FindBundleLibrary(AAXHOST_DEFAULT_BUNDLE, library, error)) << error;
     for (int i = 0; i < 50; ++i)
         LoadRegisterUnload(library);
+}
+
+// The C library's random generator is the host's: loading the bundle (whose
+// VST 3 SDK reseeds it from a static initialiser) must not change what the
+// host, or a plug-in in the same process, draws next. A fixed reseed on every
+// load made Debian's ZynAddSubFX take the same port each time and leak a
+// socket per load.
+TEST(BundleCycles, LoadingTheBundleLeavesTheHostsRandomSequenceAlone)
+{
+    std::string library, error;
+    ASSERT_TRUE(FindBundleLibrary(AAXHOST_DEFAULT_BUNDLE, library, error)) << error;
+    std::vector<long> expected;
+    srandom(1234);
+    for (int i = 0; i < 4; ++i)
+        expected.push_back(random());
+
+    srandom(1234);
+    EXPECT_EQ(random(), expected[0]);
+    void* handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    auto version = reinterpret_cast<ACFGetSDKVersionProc>(dlsym(handle, "ACFGetSDKVersion"));
+    ASSERT_NE(version, nullptr);
+    uint64_t sdk = 0;
+    version(&sdk);
+    EXPECT_EQ(random(), expected[1]) << "the first entry point gives the host its generator back";
+    EXPECT_EQ(dlclose(handle), 0);
+    EXPECT_EQ(random(), expected[2]);
+
+    // Loaded and unloaded without a call: given back on the way out.
+    handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    EXPECT_EQ(dlclose(handle), 0);
+    EXPECT_EQ(random(), expected[3]);
 }
