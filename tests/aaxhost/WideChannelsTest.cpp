@@ -20,8 +20,11 @@ std::string StandardBundle(const std::string& name)
 SRunResult RenderTestInput(const std::string& name, int block)
 {
     const std::string dir = TempDir(name + "-" + std::to_string(block));
+    // No display: JUCE plug-ins would otherwise take display 0, which a
+    // parallel test's virtual X server may hold and take away mid-render.
     return RunHost({"render", StandardBundle(name), "--test-input", "--seconds", "1", "--block",
-                    std::to_string(block), "--out", dir + "/out.wav", "--no-progress", "--json"});
+                    std::to_string(block), "--out", dir + "/out.wav", "--no-progress", "--json"},
+                   {"DISPLAY=:4242"});
 }
 
 }  // namespace
