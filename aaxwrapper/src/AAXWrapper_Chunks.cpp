@@ -2,6 +2,9 @@
 // the wrapped plug-in's state exactly as the fake host writes it.
 #include "AAXWrapper_Identity.h"
 #include "AAXWrapper_Parameters.h"
+
+#include <cstring>
+
 #include "fakehost/FakeHostGuard.h"
 #include "logger/CLog.h"
 #include "fakehost/IFakeHost.h"
@@ -51,12 +54,36 @@ AAX_Result AAXWrapper_Parameters::GetChunkSize(AAX_CTypeID iChunkID, uint32_t* o
     }
     if (oSize == nullptr)
         return AAX_ERROR_NULL_ARGUMENT;
-    if (mFakeHost != nullptr) {
-        unsigned int size = 0;
-        if (CallFakeHost("GetChunkSize", [&] { mFakeHost->GetState(&size, nullptr); }))
-            *oSize = size;
-    }
+    if (mFakeHost != nullptr && CallFakeHost("GetChunkSize", [&] { TakeStateSnapshot(); }))
+        *oSize = static_cast<uint32_t>(mStateSnapshot.size());
     return AAX_SUCCESS;
+}
+
+// The host sizes its block by GetChunkSize and fills it by GetChunk; a
+// plug-in's state may change in between (IEM's GranularEncoder saves a
+// different length while it plays). So the state is taken once, whole, when
+// it is measured, and GetChunk hands out exactly that.
+void AAXWrapper_Parameters::TakeStateSnapshot() const
+{
+    mSnapshotTaken = false;
+    unsigned int size = 0;
+    mFakeHost->GetState(&size, nullptr);
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        mStateSnapshot.assign(size, 0);
+        unsigned int written = size;
+        const bool gave = mFakeHost->GetState(&written, mStateSnapshot.data());
+        if (written <= size) {
+            mStateSnapshot.resize(written);
+            if (!gave)
+                MV_LOG("parameters", kLogWarning, "GetChunk", " the plug-in gave no state, an empty one is saved");
+            mSnapshotTaken = true;
+            return;
+        }
+        size = written;  // it grew in between: again, with room for what it asked
+    }
+    MV_LOG("parameters", kLogError, "GetChunk", " the plug-in's state kept growing while it was read; none is saved");
+    mStateSnapshot.clear();
+    mSnapshotTaken = true;
 }
 
 AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChunk* oChunk) const
@@ -70,25 +97,24 @@ AAX_Result AAXWrapper_Parameters::GetChunk(AAX_CTypeID iChunkID, AAX_SPlugInChun
     }
     if (mFakeHost == nullptr)
         return AAX_SUCCESS;
-    // The host sized the chunk from our earlier GetChunkSize. A state that has
-    // grown since would be written past the host's block: measure first and
-    // refuse, as the base does for its own chunk, so the host asks again.
+    // The state measured by GetChunkSize; a host that asks without measuring
+    // gets one taken now. One larger than the host's block is refused, as the
+    // base does for its own chunk, so the host asks again.
     const unsigned int capacity = oChunk->fSize > 0 ? static_cast<unsigned int>(oChunk->fSize) : 0u;
-    unsigned int needed = 0;
-    if (!CallFakeHost("GetChunk", [&] { mFakeHost->GetState(&needed, nullptr); }))
+    if (!mSnapshotTaken && !CallFakeHost("GetChunk", [&] { TakeStateSnapshot(); }))
         return AAX_SUCCESS;
-    if (needed > capacity) {
-        MV_LOG("parameters", kLogError, "GetChunk", " state of ", needed, " bytes does not fit the chunk of ",
+    mSnapshotTaken = false;
+    std::vector<char> state;
+    state.swap(mStateSnapshot);
+    if (state.size() > capacity) {
+        MV_LOG("parameters", kLogError, "GetChunk", " state of ", state.size(), " bytes does not fit the chunk of ",
                capacity, " bytes");
         return AAX_ERROR_INCORRECT_CHUNK_SIZE;
     }
+    if (!state.empty())
+        std::memcpy(oChunk->fData, state.data(), state.size());
     // fSize is a signed 32-bit field; the host writes an unsigned count into it.
-    unsigned int size = capacity;
-    CallFakeHost("GetChunk", [&] {
-        if (!mFakeHost->GetState(&size, oChunk->fData))
-            MV_LOG("parameters", kLogWarning, "GetChunk", " the plug-in gave no state, an empty one is saved");
-    });
-    oChunk->fSize = static_cast<int32_t>(size);
+    oChunk->fSize = static_cast<int32_t>(state.size());
     MV_LOG("parameters", kLogInfo, "GetChunk", " OUT ", iChunkID, " size = ", oChunk->fSize);
     return AAX_SUCCESS;
 }

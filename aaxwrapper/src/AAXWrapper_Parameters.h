@@ -68,6 +68,8 @@ private:
     double ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
     void OnPluginValue(uint32_t tag, double value) override;
     void ReadParametersFromPlugin();
+    // Main thread: the plug-in's whole state, taken at one moment.
+    void TakeStateSnapshot() const;
     // STANDARD, main thread: after host changes, the values of every
     // parameter, since setting one may move others (linked controls).
     void SyncHeldValues();
@@ -94,6 +96,9 @@ private:
     // Set while a chunk is being restored; the callback outputs silence then.
     // Atomic only so the cross-thread read is well defined; no ordering needed.
     std::atomic<bool> mIsLoadingState{false};
+    // The state GetChunkSize measured, handed out by the next GetChunk.
+    mutable std::vector<char> mStateSnapshot;
+    mutable bool mSnapshotTaken = false;
     // A host change reached the plug-in since the values were last read back.
     std::atomic<bool> mHeldValuesStale{false};
 };

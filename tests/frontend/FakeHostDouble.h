@@ -71,7 +71,12 @@ public:
     bool GetState(unsigned int* outSize, void* outpData) override
     {
         Log(outpData == nullptr ? "GetState size" : "GetState data");
-        *outSize = static_cast<unsigned int>(mScript->state.size());
+        const auto needed = static_cast<unsigned int>(mScript->state.size());
+        if (outpData != nullptr && needed > *outSize) {
+            *outSize = needed;
+            return false;
+        }
+        *outSize = needed;
         if (outpData != nullptr)
             std::copy(mScript->state.begin(), mScript->state.end(), static_cast<char*>(outpData));
         return true;

@@ -214,7 +214,7 @@ TEST_F(ProbeHost, StateCarriesTheChunkWithAZeroedMarginAtAnySize)
     EXPECT_TRUE(Host().GetState(&size, nullptr));
     ASSERT_EQ(size, 20u + CFakeHostVST2::kStateMargin);
     std::vector<unsigned char> state(size, 0xEE);
-    unsigned int written = 0;
+    unsigned int written = size;
     Host().GetState(&written, state.data());
     EXPECT_EQ(written, size);
     EXPECT_EQ(std::string(state.begin(), state.begin() + 4), "VPRB");

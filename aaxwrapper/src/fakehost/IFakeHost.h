@@ -49,7 +49,9 @@ public:
     virtual void AddInputChangeForGUI(int index, double value) = 0;
     // The plug-in's state: with outpData null only its size, else the state
     // itself into a block of *outSize bytes. False when the plug-in gave none
-    // (the size is then still one the front end may publish).
+    // (the size is then still one the front end may publish), or when the
+    // state is larger than the block: nothing is written then, and *outSize
+    // says what it needs (a plug-in's state may change between two calls).
     virtual bool GetState(unsigned int* outSize, void* outpData) = 0;
     // False when the block was refused and the plug-in was left as it was.
     virtual bool SetState(unsigned int inSize, void* inpData) = 0;

@@ -289,7 +289,14 @@ bool CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
         size = 0;
         gave = false;
     }
-    *outSize = static_cast<unsigned int>(size) + kStateMargin;
+    const unsigned int needed = static_cast<unsigned int>(size) + kStateMargin;
+    if (outpData != nullptr && needed > *outSize) {
+        MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the state needs ", needed, " bytes, the block has ",
+               *outSize);
+        *outSize = needed;
+        return false;
+    }
+    *outSize = needed;
     if (outpData != nullptr) {
         if (size > 0)
             std::memcpy(outpData, chunk, static_cast<size_t>(size));

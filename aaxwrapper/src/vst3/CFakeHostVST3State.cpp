@@ -48,6 +48,12 @@ bool CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
     const uint32_t componentSize = streamSize(componentStream);
     const uint32_t controllerSize = streamSize(controllerStream);
 
+    const uint64_t needed = uint64_t{componentSize} + controllerSize + kStateSizeSlack;
+    if (outpData && outSize && needed > *outSize) {
+        MV_LOG("fakehost", kLogWarning, "GetState: the state needs ", needed, " bytes, the block has ", *outSize);
+        *outSize = static_cast<unsigned int>(needed);
+        return false;
+    }
     if (outpData) {
         auto* out = static_cast<unsigned char*>(outpData);
         std::memcpy(out, &componentSize, kLengthFieldSize);
