@@ -3,7 +3,9 @@
 // back its memory, files and threads.
 #include <dlfcn.h>
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "BundleLoader.h"
 #include "CheckProcess.h"
@@ -115,6 +117,20 @@ bool LoadRegisterUnload(const std::string& library, bool withInstance, std::stri
     return ok;
 }
 
+// A plug-in's threads may end a moment after it is unloaded (JUCE stops its
+// message thread asynchronously): they get up to two seconds to go before
+// any is counted as left running.
+SProcessFigures SettledFigures(const SProcessFigures& before)
+{
+    SProcessFigures after = ReadProcessFigures();
+    for (int i = 0; i < 100 && after.threads > before.threads; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        CheckBeat();
+        after = ReadProcessFigures();
+    }
+    return after;
+}
+
 // What the rounds after the first left behind: files, threads, memory.
 void JudgeRounds(const SProcessFigures& before, const SProcessFigures& after, int rounds, SCheckResult& result)
 {
@@ -183,7 +199,7 @@ void CheckLoadUnload(CValidationContext& context, SCheckResult& result)
             return;
         }
     }
-    JudgeRounds(before, ReadProcessFigures(), rounds, result);
+    JudgeRounds(before, SettledFigures(before), rounds, result);
 }
 
 void DirectLoadUnload(CValidationContext& context, const AAXDirect::SDirectSetup& setup, SCheckResult& result)
@@ -201,7 +217,7 @@ void DirectLoadUnload(CValidationContext& context, const AAXDirect::SDirectSetup
             return;
         }
     }
-    JudgeRounds(before, ReadProcessFigures(), rounds, result);
+    JudgeRounds(before, SettledFigures(before), rounds, result);
 }
 
 }  // namespace AAXHost
