@@ -5,29 +5,14 @@
 
 #include "AllocationCount.h"
 #include "CheckProcess.h"
+#include "ChordSchedule.h"
 #include "TestSignal.h"
 
 namespace AAXHost {
 
 namespace {
 
-constexpr unsigned char kChord[] = {48, 60, 64, 67};
 constexpr size_t kMaxPackets = 64;
-
-void AddNotes(std::vector<AAX_CMidiPacket>& packets, uint32_t offset, unsigned char status)
-{
-    for (unsigned char note : kChord) {
-        if (packets.size() == kMaxPackets)
-            return;
-        AAX_CMidiPacket p{};
-        p.mTimestamp = offset;
-        p.mLength = 3;
-        p.mData[0] = status;
-        p.mData[1] = note;
-        p.mData[2] = status == 0x90 ? 100 : 0;
-        packets.push_back(p);
-    }
-}
 
 }  // namespace
 
@@ -49,17 +34,7 @@ bool CDirectRig::Create(std::string& error)
 
 void CDirectRig::Process(int frames)
 {
-    mPackets.clear();
-    if (frames > 0) {
-        const int64_t period = std::max<int64_t>(2, static_cast<int64_t>(0.3 * mSetup.sampleRate));
-        for (int64_t s = mPosition; s < mPosition + frames; ++s) {
-            const int64_t phase = s % period;
-            if (phase == 0)
-                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x90);
-            else if (phase == period / 2)
-                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x80);
-        }
-    }
+    ChordPacketsForBlock(mPackets, mPosition, frames, mSetup.sampleRate);
     for (int ch = 0; ch < mPlugin->InputChannels(); ++ch) {
         float* in = mPlugin->Input(ch);
         for (int i = 0; i < frames; ++i)

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "CheckOutcome.h"
 #include "CheckProcess.h"
 #include "DirectChecks.h"
 #include "DirectRig.h"
@@ -38,25 +39,7 @@ std::string RunTwinInChild(const SValidateConfig& config, DirectCheckFunction tw
     } catch (const std::exception& e) {
         result.Fail(std::string("an exception escaped: ") + e.what());
     }
-    return nlohmann::json{{"passed", result.passed}, {"reason", result.reason}, {"details", result.details}}.dump();
-}
-
-SCheckResult ReadOutcome(const SCheckProcessOutcome& outcome)
-{
-    SCheckResult result;
-    if (outcome.delivered) {
-        const nlohmann::json j = nlohmann::json::parse(outcome.result, nullptr, false);
-        if (j.is_discarded()) {
-            result.Fail("the check's process handed back no readable result");
-        } else {
-            result.passed = j.value("passed", false);
-            result.reason = j.value("reason", std::string());
-            result.details = j.value("details", nlohmann::json::object());
-        }
-    }
-    if (!outcome.failure.empty())
-        result.Fail(outcome.failure);
-    return result;
+    return EncodeCheckResult(result);
 }
 
 }  // namespace
@@ -108,7 +91,7 @@ SVerdict JudgeFailure(const SValidateConfig& config, const SCheckDefinition& che
         RunCheckProcess([&] { return RunTwinInChild(config, twin, seed, setup); }, config.timeout);
     verdict.twinRan = true;
     verdict.twinSeconds = outcome.seconds;
-    verdict.twin = ReadOutcome(outcome);
+    verdict.twin = DecodeCheckOutcome(outcome);
     verdict.sameWay = !verdict.twin.passed && EndedAbnormally(verdict.twin.reason) == EndedAbnormally(failure.reason);
     if (verdict.sameWay)
         verdict.fault = "plug-in";

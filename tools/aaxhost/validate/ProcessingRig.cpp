@@ -4,29 +4,11 @@
 
 #include "AllocationCount.h"
 #include "CheckProcess.h"
+#include "ChordSchedule.h"
 #include "RenderOutputs.h"
 #include "TestSignal.h"
 
 namespace AAXHost {
-
-namespace {
-
-constexpr unsigned char kChord[] = {48, 60, 64, 67};
-
-void AddNotes(std::vector<AAX_CMidiPacket>& packets, uint32_t offset, unsigned char status)
-{
-    for (unsigned char note : kChord) {
-        AAX_CMidiPacket p;
-        p.mTimestamp = offset;
-        p.mLength = 3;
-        p.mData[0] = status;
-        p.mData[1] = note;
-        p.mData[2] = status == 0x90 ? 100 : 0;
-        packets.push_back(p);
-    }
-}
-
-}  // namespace
 
 CProcessingRig::CProcessingRig(const SEffectInfo& effect, const SComponentInfo& component, double sampleRate,
                                int32_t maxBlock)
@@ -57,16 +39,8 @@ void CProcessingRig::Prepare(int32_t frames)
 {
     mTransport.samplePosition = mPosition;
     mPackets.clear();
-    if (mNotes && frames > 0) {
-        const int64_t period = std::max<int64_t>(2, static_cast<int64_t>(0.3 * mSampleRate));
-        for (int64_t s = mPosition; s < mPosition + frames; ++s) {
-            const int64_t phase = s % period;
-            if (phase == 0)
-                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x90);
-            else if (phase == period / 2)
-                AddNotes(mPackets, static_cast<uint32_t>(s - mPosition), 0x80);
-        }
-    }
+    if (mNotes)
+        ChordPacketsForBlock(mPackets, mPosition, frames, mSampleRate);
     mInstance->PrepareBlock(mPosition, frames, mPackets);
     if (mTestInput)
         for (int ch = 0; ch < mInstance->InputChannels(); ++ch) {

@@ -7,6 +7,7 @@
 #include <exception>
 #include <random>
 
+#include "CheckOutcome.h"
 #include "CheckProcess.h"
 #include "CheckRegistry.h"
 #include "DirectTwin.h"
@@ -33,7 +34,7 @@ std::string RunInChild(const SValidateConfig& config, const SCheckDefinition& ch
     } catch (const std::exception& e) {
         result.Fail(std::string("an exception escaped: ") + e.what());
     }
-    return nlohmann::json{{"passed", result.passed}, {"reason", result.reason}, {"details", result.details}}.dump();
+    return EncodeCheckResult(result);
 }
 
 SCheckResult RunOne(const SValidateConfig& config, const SCheckDefinition& check, uint64_t seed, double& seconds)
@@ -41,20 +42,7 @@ SCheckResult RunOne(const SValidateConfig& config, const SCheckDefinition& check
     const SCheckProcessOutcome outcome =
         RunCheckProcess([&] { return RunInChild(config, check, seed); }, config.timeout);
     seconds = outcome.seconds;
-    SCheckResult result;
-    if (outcome.delivered) {
-        const nlohmann::json j = nlohmann::json::parse(outcome.result, nullptr, false);
-        if (j.is_discarded()) {
-            result.Fail("the check's process handed back no readable result");
-        } else {
-            result.passed = j.value("passed", false);
-            result.reason = j.value("reason", std::string());
-            result.details = j.value("details", nlohmann::json::object());
-        }
-    }
-    if (!outcome.failure.empty())
-        result.Fail(outcome.failure);
-    return result;
+    return DecodeCheckOutcome(outcome);
 }
 
 // Each check gets its own stream, so --only reproduces a full run's values.
