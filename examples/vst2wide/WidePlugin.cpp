@@ -5,6 +5,7 @@
 // those inputs, as plug-ins that use their buffers as workspace do.
 // Parameter 0 is the switch: it holds 0 or 1 whatever it is given.
 // Parameter 1 is a plain level. Its chunk is the two values.
+#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -17,7 +18,8 @@ constexpr VstInt32 kSilentInputsFrom = 32;
 
 struct SWide {
     AEffect effect{};
-    float values[2] = {1.0f, 0.5f};
+    // Set and saved on the main thread while the audio thread reads them.
+    std::atomic<float> values[2] = {1.0f, 0.5f};
     float chunk[2] = {};
 };
 
@@ -60,13 +62,17 @@ VstIntPtr Dispatcher(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr
     case effGetChunk:
         if (ptr == nullptr)
             return 0;
-        std::memcpy(wide->chunk, wide->values, sizeof(wide->chunk));
+        for (int i = 0; i < 2; ++i)
+            wide->chunk[i] = wide->values[i].load();
         *static_cast<void**>(ptr) = wide->chunk;
         return sizeof(wide->chunk);
     case effSetChunk:
-        if (ptr == nullptr || value != static_cast<VstIntPtr>(sizeof(wide->values)))
+        if (ptr == nullptr || value != static_cast<VstIntPtr>(sizeof(wide->chunk)))
             return 0;
-        std::memcpy(wide->values, ptr, sizeof(wide->values));
+        float restored[2];
+        std::memcpy(restored, ptr, sizeof(restored));
+        for (int i = 0; i < 2; ++i)
+            wide->values[i].store(restored[i]);
         return 1;
     default:
         return 0;
@@ -83,7 +89,7 @@ void SetParameter(AEffect* effect, VstInt32 index, float value)
 
 float GetParameter(AEffect* effect, VstInt32 index)
 {
-    return index >= 0 && index < 2 ? From(effect)->values[index] : 0.0f;
+    return index >= 0 && index < 2 ? From(effect)->values[index].load() : 0.0f;
 }
 
 void ProcessReplacing(AEffect* effect, float** inputs, float** outputs, VstInt32 frames)
