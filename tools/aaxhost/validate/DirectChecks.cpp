@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "AllocationCount.h"
+#include "AudioLoop.h"
 #include "CheckProcess.h"
 #include "DirectRig.h"
 #include "ValidationContext.h"
@@ -288,17 +289,7 @@ void DirectThreads(CValidationContext& context, const AAXDirect::SDirectSetup& s
     if (!Created(rig, "threads (hosted directly): instance creation", result))
         return;
     const double seconds = context.Plan().threadSeconds;
-    const auto audioDeadline =
-        Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                           std::chrono::duration<double>(seconds + context.Config().timeout * 0.5 + 1.0));
-    std::atomic<bool> stop{false};
-    std::atomic<int64_t> buffers{0};
-    std::thread audio([&] {
-        while (!stop.load(std::memory_order_acquire) && Clock::now() < audioDeadline) {
-            rig.Process(kStateBlock);
-            buffers.fetch_add(1, std::memory_order_relaxed);
-        }
-    });
+    CAudioLoop audio(context, [&rig] { rig.Process(kStateBlock); });
     int parameterSets = 0, restores = 0;
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
     std::string error;
@@ -314,13 +305,12 @@ void DirectThreads(CValidationContext& context, const AAXDirect::SDirectSetup& s
         ++restores;
         CheckBeat();
     }
-    stop.store(true, std::memory_order_release);
     SetCheckPhase("threads (hosted directly): waiting for the audio thread");
-    audio.join();
+    audio.Stop();
     JudgeSamples(rig.Counts(), "while the main thread worked", result);
-    result.details = {{"audio_buffers", buffers.load()}, {"parameter_sets", parameterSets},
+    result.details = {{"audio_buffers", audio.Buffers()}, {"parameter_sets", parameterSets},
                       {"states_restored", restores}};
-    result.Note(std::to_string(buffers.load()) + " audio buffers against " + std::to_string(parameterSets) +
+    result.Note(std::to_string(audio.Buffers()) + " audio buffers against " + std::to_string(parameterSets) +
                 " parameter sets, " + std::to_string(restores) + " state restores");
     SetCheckPhase("threads (hosted directly): instance destruction");
 }

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "AAX_IEffectParameters.h"
+#include "AudioLoop.h"
 #include "CheckProcess.h"
 #include "CheckRegistry.h"
 #include "EditorSession.h"
@@ -96,19 +97,7 @@ void CheckThreads(CValidationContext& context, SCheckResult& result)
         return;
     }
     const double seconds = context.Plan().threadSeconds;
-    // The audio thread stops by itself in time for a hung main thread to
-    // stop the watchdog's clock.
-    const auto audioDeadline =
-        Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                           std::chrono::duration<double>(seconds + context.Config().timeout * 0.5 + 1.0));
-    std::atomic<bool> stop{false};
-    std::atomic<int64_t> buffers{0};
-    std::thread audio([&] {
-        while (!stop.load(std::memory_order_acquire) && Clock::now() < audioDeadline) {
-            rig.Process(kBlock);
-            buffers.fetch_add(1, std::memory_order_relaxed);
-        }
-    });
+    CAudioLoop audio(context, [&rig] { rig.Process(kBlock); });
 
     SMainThreadWork work;
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
@@ -124,9 +113,8 @@ void CheckThreads(CValidationContext& context, SCheckResult& result)
         SetCheckPhase("threads: the data model's timer during processing");
         rig.Instance().Effect()->TimerWakeup();
     }
-    stop.store(true, std::memory_order_release);
     SetCheckPhase("threads: waiting for the audio thread");
-    audio.join();
+    audio.Stop();
     const SSampleCounts& counts = rig.Counts();
     if (counts.nan > 0 || counts.infinite > 0)
         result.Fail(std::to_string(counts.nan) + " NaN and " + std::to_string(counts.infinite) +
@@ -135,14 +123,14 @@ void CheckThreads(CValidationContext& context, SCheckResult& result)
     rig.Instance().Destroy();
     if (!context.Close(error))
         result.Fail(error);
-    result.details = {{"audio_buffers", buffers.load()},
+    result.details = {{"audio_buffers", audio.Buffers()},
                       {"parameter_sets", work.parameterSets},
                       {"views_opened", work.viewsOpened},
                       {"states_restored", work.statesRestored},
                       {"nan", counts.nan},
                       {"infinite", counts.infinite}};
     result.details["display"] = HasDisplay();
-    result.Note(std::to_string(buffers.load()) + " audio buffers against " + std::to_string(work.parameterSets) +
+    result.Note(std::to_string(audio.Buffers()) + " audio buffers against " + std::to_string(work.parameterSets) +
                 " parameter sets, " + std::to_string(work.viewsOpened) +
                 (HasDisplay() ? " views, " : " views (no DISPLAY), ") +
                 std::to_string(work.statesRestored) + " state restores");
