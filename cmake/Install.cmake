@@ -9,7 +9,7 @@ set(_aaxw_package MorvaneAAXWrapper)
 set(_aaxw_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/${_aaxw_package}")
 set(_aaxw_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/${_aaxw_package}")
 
-install(TARGETS aaxwrapper_frontend aaxwrapper_vst2 aaxwrapper_vst3 vst3sdk_hosting aaxlib
+install(TARGETS aaxwrapper_frontend aaxwrapper_fakehost aaxwrapper_vst2 aaxwrapper_vst3 vst3sdk_hosting aaxlib
                 basictools basictools_logger basictools_sharedobject
         EXPORT ${_aaxw_package}Targets
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}/${_aaxw_package}")

@@ -89,7 +89,9 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
                 continue;
             }
             Morvane::CProcessGateLeave leave(wrapper->ProcessGate());
-            fakeHost->Process(context);
+            // The AAX side read once: the fake hosts translate only the block.
+            const CProcessBlock block(*context);
+            fakeHost->Process(block);
         }
     } catch (const Morvane::CException& e) {
         // Later instances are skipped: the host gets this buffer back as is.

@@ -65,24 +65,10 @@ AAX_Result AAXWrapper_Parameters::GetChunkSize(AAX_CTypeID iChunkID, uint32_t* o
 // it is measured, and GetChunk hands out exactly that.
 void AAXWrapper_Parameters::TakeStateSnapshot() const
 {
-    mSnapshotTaken = false;
-    unsigned int size = 0;
-    mFakeHost->GetState(&size, nullptr);
-    for (int attempt = 0; attempt < 4; ++attempt) {
-        mStateSnapshot.assign(size, 0);
-        unsigned int written = size;
-        const bool gave = mFakeHost->GetState(&written, mStateSnapshot.data());
-        if (written <= size) {
-            mStateSnapshot.resize(written);
-            if (!gave)
-                MV_LOG("parameters", kLogWarning, "GetChunk", " the plug-in gave no state, an empty one is saved");
-            mSnapshotTaken = true;
-            return;
-        }
-        size = written;  // it grew in between: again, with room for what it asked
-    }
-    MV_LOG("parameters", kLogError, "GetChunk", " the plug-in's state kept growing while it was read; none is saved");
-    mStateSnapshot.clear();
+    SPluginState state = mFakeHost->GetState();
+    if (!state.gave)
+        MV_LOG("parameters", kLogWarning, "GetChunk", " the plug-in gave no state, an empty one is saved");
+    mStateSnapshot.swap(state.bytes);
     mSnapshotTaken = true;
 }
 
@@ -144,7 +130,7 @@ AAX_Result AAXWrapper_Parameters::SetChunk(AAX_CTypeID iChunkID, const AAX_SPlug
             Morvane::CProcessGateClosed closed(mProcessGate);
             CallFakeHost("SetChunk", [&] {
                 // A refused block leaves the plug-in, and so its parameters, as they were.
-                if (mFakeHost->SetState(static_cast<unsigned int>(iChunk->fSize), const_cast<char*>(iChunk->fData)))
+                if (mFakeHost->SetState(iChunk->fData, static_cast<uint32_t>(iChunk->fSize)))
                     ReadParametersFromPlugin();
                 else
                     MV_LOG("parameters", kLogError, "SetChunk", " the plug-in's state was refused, nothing restored");

@@ -113,25 +113,20 @@ void AAXWrapper_Parameters::LogWherePluginWasFound(const std::string& path) cons
 void AAXWrapper_Parameters::LogPluginInfo()
 {
     // Asked whatever the log keeps: the plug-in sees the same calls either way.
-    CallFakeHost("GetPluginVendor", [&] {
-        const std::string vendor = mFakeHost->GetPluginVendor();
-        const std::string version = mFakeHost->GetPluginVersion();
-        mPluginVendor = vendor;
-        mPluginVersion = version;
-        const int32_t uniqueID = mFakeHost->GetPluginProductUniqueID();
-        MV_LOG("fakehost", kLogNotice, "###########   Plugins Info   ###########");
-        MV_LOG("fakehost", kLogNotice, "## Vendor   : ", vendor);
-        MV_LOG("fakehost", kLogNotice, "## Version  : ", version);
-        MV_LOG("fakehost", kLogNotice, "## Unique ID: ", uniqueID);
-        MV_LOG("fakehost", kLogNotice, "########################################");
-    });
+    mPluginVendor = mFakeHost->GetPluginVendor();
+    mPluginVersion = mFakeHost->GetPluginVersion();
+    const int32_t uniqueID = mFakeHost->GetPluginProductUniqueID();
+    MV_LOG("fakehost", kLogNotice, "###########   Plugins Info   ###########");
+    MV_LOG("fakehost", kLogNotice, "## Vendor   : ", mPluginVendor);
+    MV_LOG("fakehost", kLogNotice, "## Version  : ", mPluginVersion);
+    MV_LOG("fakehost", kLogNotice, "## Unique ID: ", uniqueID);
+    MV_LOG("fakehost", kLogNotice, "########################################");
 }
 
 // A host whose Init failed stays: its later answers are neutral.
 void AAXWrapper_Parameters::InitFakeHost()
 {
-    bool loaded = false;
-    CallFakeHost("Init", [&] { loaded = mFakeHost->Init(); });
+    const bool loaded = mFakeHost->Init();
     if (!loaded && mLoadError.empty()) {
         mLoadError = mFakeHost->GetLoadError();
         if (mLoadError.empty())
@@ -166,7 +161,7 @@ void AAXWrapper_Parameters::LogBundleInfo() const
 void AAXWrapper_Parameters::CreateFakeHost(std::string& path)
 {
     if (gFakeHostFactoryForTesting != nullptr) {
-        mFakeHost = gFakeHostFactoryForTesting(*this, path);
+        mFakeHost.reset(gFakeHostFactoryForTesting(*this, path));
         return;
     }
     // Case-sensitive on purpose: the extension is also the file suffix.
@@ -214,27 +209,32 @@ void AAXWrapper_Parameters::PublishPluginParameters()
     mLastValues.reset(new std::atomic<double>[mLastValueCount]);
     for (size_t i = 0; i < mLastValueCount; ++i)
         mLastValues[i].store(std::numeric_limits<double>::quiet_NaN(), std::memory_order_relaxed);
+    mClassicDefaults.assign(static_cast<size_t>(std::max(count, 0)), 0.0);
+    mClassicNames.assign(static_cast<size_t>(std::max(count, 0)), std::string());
     for (int index = 0; index < count; ++index) {
-        if (IsStandard() && !mFakeHost->IsParameterPublished(index))
+        const SParameterInfo info = mFakeHost->GetParameterInfo(index);
+        if (IsStandard() && !info.published)
             continue;
-        std::string name;
-        float value = 0.0f;
-        mFakeHost->GetParameterInfo(index, name, value);
+        const std::string& name = info.name;
+        float value = static_cast<float>(info.defaultValue);
         if (!std::isfinite(value)) {
             MV_LOG("parameters", kLogWarning, "Parameter ", index, " (", name, ") reports a value that is not a number;",
                    " published at 0");
             value = 0.0f;
         }
+        // CLASSIC compares a host change with the plug-in's default: fixed
+        // where the format has defaults, read again at each change where not.
+        mClassicDefaults[static_cast<size_t>(index)] = info.defaultIsPresentValue ? kReadDefaultAgain : value;
+        mClassicNames[static_cast<size_t>(index)] = name;
         char id[32];
         if (IsStandard()) {
-            const uint32_t tag = mFakeHost->GetParameterTag(index);
+            const uint32_t tag = info.tag;
             std::snprintf(id, sizeof(id), "%u", tag);
             mIndexByTag[tag] = index;
             // What the plug-in holds now counts as received: restoring the
             // same value later sends nothing.
-            double current = 0.0;
-            if (mFakeHost->GetParameterValue(index, current))
-                mLastValues[static_cast<size_t>(index)].store(current, std::memory_order_relaxed);
+            if (const std::optional<double> current = mFakeHost->GetParameterValue(index))
+                mLastValues[static_cast<size_t>(index)].store(*current, std::memory_order_relaxed);
         } else {
             std::snprintf(id, sizeof(id), "%d", index);
         }
@@ -287,15 +287,14 @@ double AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, 
     if (IsStandard())
         return ForwardChangeOnce(iParameterID, iValue);
     const int index = std::atoi(iParameterID);
-    std::string name;
-    float current = 0.0f;
-    mFakeHost->GetParameterInfo(index, name, current);
-    const double currentValue = static_cast<double>(current);
+    const double currentValue = ClassicDefault(index);
     // -1.0 is the plug-in's way of saying "do not drive this one".
     // Written as !(==) so that a NaN on either side counts as a change.
     if (!(currentValue == iValue) && currentValue != -1.0) {
-        MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ", name, " from ",
-                  current, " to ", iValue);
+        MV_LOG_AT("parameters", kLogDebug, "UpdateParameterNormalizedValue", " Update parameter ",
+                  index >= 0 && static_cast<size_t>(index) < mClassicNames.size() ? mClassicNames[static_cast<size_t>(index)]
+                                                                                    : std::string(),
+                  " from ", static_cast<float>(currentValue), " to ", iValue);
         mFakeHost->AddInputChangeForGUI(index, iValue);
         mFakeHost->AddInputChangeForProcessing(index, iValue);
     }
@@ -329,9 +328,9 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
     mFakeHost->AddInputChangeForGUI(index, iValue);
     mFakeHost->AddInputChangeForProcessing(index, iValue);
     mHeldValuesStale.store(true, std::memory_order_relaxed);
-    double held = iValue;
-    if (!mFakeHost->GetParameterValue(index, held) || !std::isfinite(held) ||
-        static_cast<float>(held) == static_cast<float>(iValue))
+    const std::optional<double> read = mFakeHost->GetParameterValue(index);
+    const double held = read ? *read : iValue;
+    if (!std::isfinite(held) || static_cast<float>(held) == static_cast<float>(iValue))
         return iValue;
     // A value the plug-in only rounds (through its own units and single
     // precision; a step is never that fine) stays the host's when the AAX
@@ -354,9 +353,10 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
 void AAXWrapper_Parameters::ReadParametersFromPlugin()
 {
     for (const auto& published : mPublished) {
-        double value = 0.0;
-        if (!mFakeHost->GetParameterValue(published.first, value) || !std::isfinite(value))
+        const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
+        if (!read || !std::isfinite(*read))
             continue;
+        const double value = *read;
         double current = 0.0;
         if (GetParameterNormalizedValue(published.second.c_str(), &current) == AAX_SUCCESS &&
             static_cast<float>(current) == static_cast<float>(value))
@@ -379,8 +379,10 @@ void AAXWrapper_Parameters::SyncHeldValues()
     constexpr double kRoundingOnly = 1e-6;  // as for the parameter just set
     const bool keepRounding = !mFakeHost->StateHoldsParameterValues();
     for (const auto& published : mPublished) {
-        double value = 0.0, current = 0.0;
-        if (!mFakeHost->GetParameterValue(published.first, value) || !std::isfinite(value) ||
+        const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
+        const double value = read ? *read : 0.0;
+        double current = 0.0;
+        if (!read || !std::isfinite(value) ||
             GetParameterNormalizedValue(published.second.c_str(), &current) != AAX_SUCCESS ||
             static_cast<float>(current) == static_cast<float>(value) ||
             (keepRounding && std::fabs(current - value) <= kRoundingOnly))
@@ -392,22 +394,65 @@ void AAXWrapper_Parameters::SyncHeldValues()
     }
 }
 
-void AAXWrapper_Parameters::OnPluginValue(uint32_t tag, double value)
+namespace {
+struct STagText {
+    // Unsigned, as parameter identifiers are made; the same text as "%d" for
+    // every index and identifier below 2^31.
+    explicit STagText(uint32_t tag) { std::snprintf(text, sizeof(text), "%u", static_cast<unsigned>(tag)); }
+    char text[32];
+};
+}  // namespace
+
+void AAXWrapper_Parameters::OnPluginBeginEdit(uint32_t tag)
 {
-    if (!IsStandard())
+    TouchParameter(STagText(tag).text);
+}
+
+void AAXWrapper_Parameters::OnPluginEndEdit(uint32_t tag)
+{
+    ReleaseParameter(STagText(tag).text);
+}
+
+void AAXWrapper_Parameters::OnPluginEdit(uint32_t tag, double value)
+{
+    // STANDARD: heard first, so that the host's echo of the value is not
+    // sent back to the plug-in.
+    if (IsStandard()) {
+        const auto found = mIndexByTag.find(tag);
+        if (found != mIndexByTag.end())
+            mLastValues[static_cast<size_t>(found->second)].store(value, std::memory_order_relaxed);
+    }
+    SetParameterNormalizedValue(STagText(tag).text, value);
+}
+
+void AAXWrapper_Parameters::OnPluginValueMoved(uint32_t tag, double value)
+{
+    const STagText id(tag);
+    double current = 0.0;
+    if (GetParameterNormalizedValue(id.text, &current) != AAX_SUCCESS || current == value)
         return;
-    const auto found = mIndexByTag.find(tag);
-    if (found != mIndexByTag.end())
-        mLastValues[static_cast<size_t>(found->second)].store(value, std::memory_order_relaxed);
+    OnPluginEdit(tag, value);
+}
+
+double AAXWrapper_Parameters::ClassicDefault(int index)
+{
+    const double known = index >= 0 && static_cast<size_t>(index) < mClassicDefaults.size()
+                             ? mClassicDefaults[static_cast<size_t>(index)]
+                             : kReadDefaultAgain;
+    if (known != kReadDefaultAgain)
+        return known;
+    // Where the default is the present value (VST 2), that value as the
+    // plug-in reports it, in single precision as it always was.
+    const std::optional<double> present = mFakeHost->GetParameterValue(index);
+    return present ? static_cast<double>(static_cast<float>(*present)) : 0.0;
 }
 
 AAX_Result AAXWrapper_Parameters::TimerWakeup()
 {
-    if (mFakeHost != nullptr)
-        CallFakeHost("TimerWakeup", [&] {
-            mFakeHost->ApplyPendingSettings();
-            SyncHeldValues();
-        });
+    if (mFakeHost != nullptr) {
+        mFakeHost->ApplyPendingSettings();
+        CallFakeHost("TimerWakeup", [&] { SyncHeldValues(); });
+    }
     return AAX_CEffectParameters::TimerWakeup();
 }
 
@@ -452,9 +497,8 @@ AAXWrapper_Parameters::~AAXWrapper_Parameters()
     if (mFakeHost != nullptr) {
         mFakeHost->Quit();
         MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " QUIT OK");
-        delete mFakeHost;
+        mFakeHost.reset();
         MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " DELETE  OK");
-        mFakeHost = nullptr;
         MV_LOG_AT("parameters", kLogInfo, "~AAXWrapper_Parameters", " NULL  OK");
     }
     // The last instance tears the log down; the next log call builds it

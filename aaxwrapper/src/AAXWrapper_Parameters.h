@@ -11,9 +11,8 @@
 
 #include "AAX_CEffectParameters.h"
 #include "ProcessGate.h"
+#include "fakehost/IFakeHost.h"
 #include "fakehost/IPluginEditListener.h"
-
-class IFakeHost;
 
 class AAXWrapper_Parameters : public AAX_CEffectParameters, private IPluginEditListener {
 public:
@@ -44,7 +43,7 @@ public:
     std::string StatusText() const;
 
     // Read by the real-time callback and the view.
-    IFakeHost* GetFakeHost() const { return mFakeHost; }
+    IFakeHost* GetFakeHost() const { return mFakeHost.get(); }
     bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
     // Entered by the real-time callback around Process; a state restore
     // closes it, so that it never runs beside a process call.
@@ -66,7 +65,12 @@ private:
     // Both give the value the AAX parameter is to hold after the change.
     double ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     double ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
-    void OnPluginValue(uint32_t tag, double value) override;
+    void OnPluginBeginEdit(uint32_t tag) override;
+    void OnPluginEndEdit(uint32_t tag) override;
+    void OnPluginEdit(uint32_t tag, double value) override;
+    void OnPluginValueMoved(uint32_t tag, double value) override;
+    // CLASSIC: what a host change is compared with (the plug-in's default).
+    double ClassicDefault(int index);
     void ReadParametersFromPlugin();
     // Main thread: the plug-in's whole state, taken at one moment.
     void TakeStateSnapshot() const;
@@ -75,7 +79,7 @@ private:
     void SyncHeldValues();
     bool IsStandard() const;
 
-    IFakeHost* mFakeHost = nullptr;
+    std::unique_ptr<IFakeHost> mFakeHost;
     std::string mPluginPath;   // what the file search found; empty when nothing
     std::string mLoadError;    // why the plug-in is not running; empty when it is
     std::string mPluginVendor;   // as the plug-in reports them, once loaded
@@ -87,6 +91,11 @@ private:
     std::unordered_map<uint32_t, int> mIndexByTag;
     std::unique_ptr<std::atomic<double>[]> mLastValues;
     size_t mLastValueCount = 0;
+    // CLASSIC, by index: the default published (kReadDefaultAgain where the
+    // format has none) and the name, for its log line.
+    static constexpr double kReadDefaultAgain = -2.0;
+    std::vector<double> mClassicDefaults;
+    std::vector<std::string> mClassicNames;
     // Every published parameter: its index and AAX identifier.
     std::vector<std::pair<int, std::string>> mPublished;
     // A deliberate addition to the loading flag: the flag alone let a

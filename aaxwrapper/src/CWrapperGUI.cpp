@@ -1,7 +1,6 @@
 #include "CWrapperGUI.h"
 
 #include "AAXWrapper_Parameters.h"
-#include "fakehost/FakeHostGuard.h"
 #include "logger/CLog.h"
 #include "fakehost/IFakeHost.h"
 
@@ -34,28 +33,33 @@ void CWrapperGUI::CreateViewContainer()
     auto* const wrapper = dynamic_cast<AAXWrapper_Parameters*>(GetEffectParameters());
     mFakeHost = wrapper != nullptr ? wrapper->GetFakeHost() : nullptr;
     if (mFakeHost != nullptr)
-        CallFakeHost("CreateGUI", [&] { mFakeHost->CreateGUI(GetViewContainer()); });
+        mFakeHost->CreateGUI(GetViewContainer());
 }
 
 void CWrapperGUI::DeleteViewContainer()
 {
     MV_LOG("gui", kLogDebug, "DeleteViewContainer");
     if (mFakeHost != nullptr)
-        CallFakeHost("QuitGUI", [&] { mFakeHost->QuitGUI(); });
+        mFakeHost->QuitGUI();
 }
 
 AAX_Result CWrapperGUI::GetViewSize(AAX_Point* oEffectViewSize) const
 {
     MV_LOG("gui", kLogDebug, "GetViewSize");
-    if (mFakeHost != nullptr && oEffectViewSize != nullptr)
-        CallFakeHost("GetViewSize",
-                     [&] { mFakeHost->GetViewSize(oEffectViewSize->horz, oEffectViewSize->vert); });
+    if (mFakeHost != nullptr && oEffectViewSize != nullptr) {
+        // A plug-in that gives no size leaves the host's as it was.
+        const SViewSize size = mFakeHost->GetViewSize();
+        if (size.known) {
+            oEffectViewSize->horz = size.width;
+            oEffectViewSize->vert = size.height;
+        }
+    }
     return AAX_SUCCESS;
 }
 
 AAX_Result CWrapperGUI::TimerWakeup()
 {
     if (mFakeHost != nullptr)
-        CallFakeHost("TimerWakeup", [&] { mFakeHost->TimerWakeup(); });
+        mFakeHost->TimerWakeup();
     return AAX_SUCCESS;
 }

@@ -7,6 +7,7 @@
 
 #include "AaxHostDoubles.h"
 #include "S_Alg_Context.h"
+#include "fakehost/ProcessBlock.h"
 
 namespace TestSupport {
 
@@ -20,6 +21,8 @@ public:
     CTestContext& operator=(const CTestContext&) = delete;
 
     S_Alg_Context* Context() { return &mContext; }
+    // The buffer as the front end hands it to a fake host, read afresh.
+    CProcessBlock Block() const { return CProcessBlock(mContext); }
     // Reallocates every channel at the new length, zeroed.
     void SetFrames(int32_t frames);
     void FillOutputs(float value);

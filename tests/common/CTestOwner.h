@@ -1,5 +1,5 @@
-// Stands in for the AAX effect that owns a fake host: keeps the automation
-// gestures (touch, set, release) the fake host asks of it.
+// The AAX side of a fake host under test: an effect-parameters object whose
+// controller may be a double, and which records the plug-in's own edits.
 #pragma once
 
 #include <string>
@@ -7,18 +7,18 @@
 #include <vector>
 
 #include "AAX_CEffectParameters.h"
+#include "fakehost/IPluginEditListener.h"
 
 namespace TestSupport {
 
-class CTestOwner : public AAX_CEffectParameters {
+class CTestOwner : public AAX_CEffectParameters, public IPluginEditListener {
 public:
-    AAX_Result TouchParameter(AAX_CParamID id) override;
-    AAX_Result SetParameterNormalizedValue(AAX_CParamID id, double value) override;
-    AAX_Result ReleaseParameter(AAX_CParamID id) override;
+    void OnPluginBeginEdit(uint32_t) override {}
+    void OnPluginEndEdit(uint32_t) override {}
+    void OnPluginEdit(uint32_t tag, double value) override { mSetValues.emplace_back(std::to_string(tag), value); }
+    void OnPluginValueMoved(uint32_t tag, double value) override;
 
-    // Every gesture in order: "touch <id>", "set <id> <value>", "release <id>".
-    std::vector<std::string> mCalls;
-    // The set requests alone, values exactly as asked.
+    // The plug-in's edits, values exactly as it gave them.
     std::vector<std::pair<std::string, double>> mSetValues;
 };
 

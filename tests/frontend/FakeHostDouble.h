@@ -28,33 +28,44 @@ public:
         : IFakeHost(owner), mScript(std::move(script)), mName(std::move(name)) {}
     ~FakeHostDouble() override { Log("~FakeHostDouble"); }
 
-    bool Init() override
+private:
+    bool DoInit() override
     {
         Log("Init");
         if (mScript->failAssertions)
             throw std::logic_error("mVst3Loader!=0");
         return true;
     }
-    void Setup() override { Log("Setup"); }
-    void Quit() override { Log("Quit"); }
-    std::string GetPluginVendor() override { return "Double Vendor"; }
-    std::string GetPluginVersion() override { return "9.9"; }
-    int32_t GetPluginProductUniqueID() override { return 4242; }
-    int GetParameterCount() override
+    void DoSetup() override { Log("Setup"); }
+    void DoQuit() override { Log("Quit"); }
+    std::string DoGetPluginVendor() override { return "Double Vendor"; }
+    std::string DoGetPluginVersion() override { return "9.9"; }
+    int32_t DoGetPluginProductUniqueID() override { return 4242; }
+    int DoGetParameterCount() override
     {
         if (mScript->failAssertions)
             throw std::logic_error("count");
         return static_cast<int>(mScript->values.size());
     }
-    bool GetParameterInfo(int index, std::string& outName, float& outDefault) override
+    SParameterInfo DoGetParameterInfo(int index) override
+    {
+        SParameterInfo info;
+        if (index < 0 || index >= static_cast<int>(mScript->values.size()))
+            return info;
+        info.valid = true;
+        info.tag = static_cast<uint32_t>(index);
+        info.name = "Param" + std::to_string(index);
+        info.defaultValue = mScript->values[static_cast<size_t>(index)];
+        info.defaultIsPresentValue = true;
+        return info;
+    }
+    std::optional<double> DoGetParameterValue(int index) override
     {
         if (index < 0 || index >= static_cast<int>(mScript->values.size()))
-            return false;
-        outName = "Param" + std::to_string(index);
-        outDefault = mScript->values[static_cast<size_t>(index)];
-        return true;
+            return std::nullopt;
+        return mScript->values[static_cast<size_t>(index)];
     }
-    void Process(S_Alg_Context*) override
+    void DoProcess(const CProcessBlock&) override
     {
         if (mScript->logProcess)
             MV_LOG("process", kLogDebug, "double ", mName, " processed ", mScript->processedBy.size());
@@ -62,34 +73,24 @@ public:
         if (mScript->processedBy.size() == mScript->throwAtCall)
             throw Morvane::CException("plug-in failed in " + mName);
     }
-    void AddInputChangeForProcessing(int i, double v) override { Log("Processing " + Change(i, v)); }
-    void AddInputChangeForGUI(int i, double v) override { Log("GUI " + Change(i, v)); }
-    void QuitGUI() override {}
-    void CreateGUI(AAX_IViewContainer*) override {}
-    void GetViewSize(float& outWidth, float& outHeight) override { outWidth = outHeight = 100.0f; }
-    int32_t TimerWakeup() override { return 0; }
-    bool GetState(unsigned int* outSize, void* outpData) override
+    void DoAddInputChangeForProcessing(int i, double v) override { Log("Processing " + Change(i, v)); }
+    void DoAddInputChangeForGUI(int i, double v) override { Log("GUI " + Change(i, v)); }
+    void DoQuitGUI() override {}
+    void DoCreateGUI(AAX_IViewContainer*) override {}
+    SViewSize DoGetViewSize() override { return SViewSize{true, 100.0f, 100.0f}; }
+    SPluginState DoGetState() override
     {
-        Log(outpData == nullptr ? "GetState size" : "GetState data");
-        const auto needed = static_cast<unsigned int>(mScript->state.size());
-        if (outpData != nullptr && needed > *outSize) {
-            *outSize = needed;
-            return false;
-        }
-        *outSize = needed;
-        if (outpData != nullptr)
-            std::copy(mScript->state.begin(), mScript->state.end(), static_cast<char*>(outpData));
-        return true;
+        Log("GetState");
+        return SPluginState{true, mScript->state};
     }
-    bool SetState(unsigned int inSize, void* inpData) override
+    bool DoSetState(const void* data, uint32_t size) override
     {
-        Log("SetState " + std::to_string(inSize));
-        const char* bytes = static_cast<const char*>(inpData);
-        mScript->state.assign(bytes, bytes + inSize);
+        Log("SetState " + std::to_string(size));
+        const char* bytes = static_cast<const char*>(data);
+        mScript->state.assign(bytes, bytes + size);
         return true;
     }
 
-private:
     void Log(const std::string& entry) { mScript->journal.push_back(entry); }
     static std::string Change(int index, double value) { return std::to_string(index) + " " + std::to_string(value); }
 

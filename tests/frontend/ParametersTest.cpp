@@ -37,7 +37,7 @@ TEST_F(ParametersTest, FakeHostExceptionsStopAtTheAAXBoundary)
     int32_t count = 0;
     wrapper->GetNumberOfParameters(&count);
     EXPECT_EQ(count, 1) << "only the master bypass";
-    EXPECT_EQ(mLog->Find("fakehost", "error", "Exception in EffectInit - count").size(), 1u);
+    EXPECT_EQ(mLog->Find("fakehost", "error", "Exception in GetParameterCount - count").size(), 1u);
 }
 
 TEST_F(ParametersTest, ParameterChangesReachTheEditorThenTheAudioSideOnce)

@@ -68,20 +68,19 @@ TEST_F(ProbeHost, ParameterChangesReachTheEffectAtOnceAndAreTheReportedDefault)
     Host().AddInputChangeForProcessing(1, 0.3);
     EXPECT_EQ(record.LinesStartingWith("setParameter"), std::vector<std::string>{"setParameter 1 0.3"});
     // The "default" is the value at the time of asking.
-    std::string name;
-    float value = -1.0f;
-    EXPECT_TRUE(Host().GetParameterInfo(1, name, value));
-    EXPECT_FLOAT_EQ(value, 0.3f);
+    const SParameterInfo info = Host().GetParameterInfo(1);
+    EXPECT_TRUE(info.valid && info.defaultIsPresentValue);
+    EXPECT_FLOAT_EQ(static_cast<float>(info.defaultValue), 0.3f);
 }
 
 TEST_F(ProbeHost, SampleRateChangesSuspendSetAndResumeBeforeProcessing)
 {
     CTestContext ctx(32, 48000.0f);
     record.Clear();
-    Host().Process(ctx.Context());
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
+    Host().Process(ctx.Block());
     ctx.mSampleRate = 44100.0f;
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
 
     std::vector<std::string> seen;
     for (const std::string& line : record.Lines())
@@ -109,7 +108,7 @@ TEST_F(ProbeHost, StoppedTransportKeepsTempoMeterAndPosition)
     ctx.mTransport.mTicks = 2 * 960000 + 480000;
     ctx.mTransport.mSamplePosition = 123456;
     ctx.mTransport.mPlaying = false;
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
     EXPECT_EQ(record.LinesStartingWith("time "),
               std::vector<std::string>{"time samplePos=123456 sampleRate=48000 ppqPos=2.500000 tempo=96.500 sig=7/8 "
                                        "flags=0x2600 barStartPos=0 nanoSeconds=0"});
@@ -121,7 +120,7 @@ TEST_F(ProbeHost, EachMidiPacketIsOneEventCallWithTheSpecifiedFields)
     ctx.mMidiIn.mPackets = {MidiPacket(5, {0x90, 60, 127}), MidiPacket(7, {0x80, 60, 64}, true),
                             MidiPacket(11, {0xC0, 5})};
     record.Clear();
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
 
     std::vector<std::string> seen;
     for (const std::string& line : record.Lines())
@@ -148,7 +147,7 @@ TEST_F(ProbeHost, HostCallbackTable)
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(nullptr, audioMasterGetTime, 0, 0, nullptr, 0), 0);
 
     CTestContext ctx(8, 44100.0f);
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
     const VstIntPtr time = CFakeHostVST2::staticHostCallback(effect, audioMasterGetTime, 0, 0, nullptr, 0);
     ASSERT_NE(time, 0);
     EXPECT_EQ(reinterpret_cast<const VstTimeInfo*>(time)->sampleRate, 44100.0);
@@ -173,7 +172,7 @@ TEST_F(ProbeHost, OutputEventsNeedAContextAndEvents)
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
 
     CTestContext ctx(8);
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, nullptr, 0), 0);
     events.numEvents = 0;
     EXPECT_EQ(CFakeHostVST2::staticHostCallback(effect, audioMasterProcessEvents, 0, 0, &events, 0), 0);
@@ -191,11 +190,11 @@ TEST_F(ProbeHost, SizeWindowRequestsResizeTheOpenViewOnly)
 {
     CTestContext ctx(16);
     ctx.mMidiIn.mPackets = {MidiPacket(0, {0xB0, 24, 10})};
-    Host().Process(ctx.Context());  // no view open: answered, nothing resized
+    Host().Process(ctx.Block());  // no view open: answered, nothing resized
     CTestViewContainer view;
     Host().CreateGUI(&view);
     ctx.mMidiIn.mPackets = {MidiPacket(0, {0xB0, 24, 20}), MidiPacket(1, {0xB0, 25, 30})};
-    Host().Process(ctx.Context());
+    Host().Process(ctx.Block());
 
     EXPECT_EQ(record.LinesStartingWith("sizeWindow"), (std::vector<std::string>{
                                                           "sizeWindow 210 110 -> 1",
@@ -210,24 +209,18 @@ TEST_F(ProbeHost, SizeWindowRequestsResizeTheOpenViewOnly)
 // Restores into fresh instances are covered by the aaxhost state round trips.
 TEST_F(ProbeHost, StateCarriesTheChunkWithAZeroedMarginAtAnySize)
 {
-    unsigned int size = 0;
-    EXPECT_TRUE(Host().GetState(&size, nullptr));
-    ASSERT_EQ(size, 20u + CFakeHostVST2::kStateMargin);
-    std::vector<unsigned char> state(size, 0xEE);
-    unsigned int written = size;
-    Host().GetState(&written, state.data());
-    EXPECT_EQ(written, size);
-    EXPECT_EQ(std::string(state.begin(), state.begin() + 4), "VPRB");
+    SPluginState state = Host().GetState();
+    EXPECT_TRUE(state.gave);
+    ASSERT_EQ(state.bytes.size(), 20u + CFakeHostVST2::kStateMargin);
+    EXPECT_EQ(std::string(state.bytes.begin(), state.bytes.begin() + 4), "VPRB");
     // The margin is zeroed, so a saved chunk never carries stale host memory.
-    EXPECT_TRUE(std::all_of(state.begin() + 20, state.end(), [](unsigned char b) { return b == 0; }));
+    EXPECT_TRUE(std::all_of(state.bytes.begin() + 20, state.bytes.end(), [](char b) { return b == 0; }));
 
     const CScopedEnv pad("VST2PROBE_CHUNK_PAD", "100000");  // read by the probe's getChunk only
-    Host().GetState(&size, nullptr);
-    ASSERT_EQ(size, 100020u + CFakeHostVST2::kStateMargin);
-    state.resize(size);
-    Host().GetState(&size, state.data());
-    EXPECT_EQ(state[100019], static_cast<unsigned char>(100019 & 0xFF));
-    EXPECT_TRUE(Host().SetState(size, state.data()));
+    state = Host().GetState();
+    ASSERT_EQ(state.bytes.size(), 100020u + CFakeHostVST2::kStateMargin);
+    EXPECT_EQ(static_cast<unsigned char>(state.bytes[100019]), static_cast<unsigned char>(100019 & 0xFF));
+    EXPECT_TRUE(Host().SetState(state.bytes.data(), static_cast<uint32_t>(state.bytes.size())));
     EXPECT_EQ(record.LinesStartingWith("setChunk").size(), 1u);
     EXPECT_NE(record.LinesStartingWith("setChunk")[0].find("size=100020 "), std::string::npos);
 }
@@ -235,10 +228,10 @@ TEST_F(ProbeHost, StateCarriesTheChunkWithAZeroedMarginAtAnySize)
 TEST_F(ProbeHost, StateShorterThanTheMarginIsRefusedNotPassedOn)
 {
     std::vector<unsigned char> bytes(100, 0);
-    EXPECT_FALSE(Host().SetState(59, bytes.data()));
-    EXPECT_FALSE(Host().SetState(0, bytes.data()));
-    EXPECT_FALSE(Host().SetState(CFakeHostVST2::kStateMargin, bytes.data()));
-    EXPECT_FALSE(Host().SetState(80, nullptr));
+    EXPECT_FALSE(Host().SetState(bytes.data(), 59));
+    EXPECT_FALSE(Host().SetState(bytes.data(), 0));
+    EXPECT_FALSE(Host().SetState(bytes.data(), CFakeHostVST2::kStateMargin));
+    EXPECT_FALSE(Host().SetState(nullptr, 80));
     EXPECT_TRUE(record.LinesStartingWith("setChunk").empty());
 }
 
@@ -278,16 +271,16 @@ TEST_F(ProbeHost, MainThreadCallsFromTheAudioThreadAreStopped)
     EXPECT_DEATH(
         {
             MV_REAL_TIME("the audio callback");
-            unsigned int size = 0;
-            Host().GetState(&size, nullptr);
+            Host().GetState();
         },
-        "thread-role violation: main-thread call \"CFakeHostVST2::GetState\" made inside \"the audio callback\"");
+        "thread-role violation: main-thread call \"IFakeHost::GetState\" made inside \"the audio callback\"");
     EXPECT_DEATH(
         {
             MV_MAIN_THREAD("a state restore");
-            Host().Process(nullptr);
+            CTestContext ctx(32);
+            Host().Process(ctx.Block());
         },
-        "thread-role violation: real-time call \"CFakeHostVST2::Process\" made inside \"a state restore\"");
+        "thread-role violation: real-time call \"IFakeHost::Process\" made inside \"a state restore\"");
     MV_REAL_TIME("the audio callback");
     MV_AUDIO_THREAD_BY_DESIGN("automation from the plug-in's process call");
     Host().AddInputChangeForProcessing(0, 0.25);

@@ -13,7 +13,7 @@ TEST(RealTimePath, ProcessAllocatesNothing)
     HostedPlugin hosted(TavrionPath());
     CTestContext ctx(128, 44100.0f);
     ctx.mTransport.mPlaying = true;
-    hosted.host->Process(ctx.Context());
+    hosted.host->Process(ctx.Block());
 
     size_t allocations = 0;
     for (int block = 0; block < 50; ++block) {
@@ -26,7 +26,7 @@ TEST(RealTimePath, ProcessAllocatesNothing)
         if (block == 25)
             ctx.mSampleRate = 48000.0f;
         ctx.mTransport.mSamplePosition += 128;
-        hosted.host->Process(ctx.Context());
+        hosted.host->Process(ctx.Block());
         hosted.host->AddInputChangeForProcessing(1, 0.01 * block);
         allocations += TestSupport::HeapAllocationCount() - before;
     }

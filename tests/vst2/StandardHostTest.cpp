@@ -67,7 +67,7 @@ TEST_F(StandardProbe, EveryEventOfABufferArrivesInOneListInTimeOrder)
     ctx.mMidiIn.mPackets = {MidiPacket(9, {0x90, 60, 100}), MidiPacket(3, {0x90, 64, 90}),
                             MidiPacket(3, {0x90, 67, 80}, true)};
     record.Clear();
-    host->Process(ctx.Context());
+    host->Process(ctx.Block());
     std::vector<std::string> seen;
     for (const std::string& line : record.Lines())
         if (line.rfind("events", 0) == 0 || line.rfind("event ", 0) == 0)
@@ -88,7 +88,7 @@ TEST_F(StandardProbe, BuffersLongerThanTheBlockSizeArriveInSlicesWithTheirEvents
     CTestContext ctx(10000, 44100.0f);
     ctx.mMidiIn.mPackets = {MidiPacket(5000, {0x90, 60, 100})};
     record.Clear();
-    host->Process(ctx.Context());
+    host->Process(ctx.Block());
     EXPECT_EQ(record.LinesStartingWith("process "),
               (std::vector<std::string>{"process frames=4096 inputs=set outputs=set",
                                         "process frames=4096 inputs=set outputs=set",
@@ -103,7 +103,7 @@ TEST_F(StandardProbe, ARateChangeReachesThePlugInOnTheMainThreadOnly)
     CTestContext ctx(64, 96000.0f);
     record.Clear();
     // The audio thread sees the new rate; it must not tell the plug-in itself.
-    std::thread audio([&] { host->Process(ctx.Context()); });
+    std::thread audio([&] { host->Process(ctx.Block()); });
     audio.join();
     EXPECT_TRUE(Dispatches("effProcessEvents").empty()) << record.Lines().front();
 
@@ -115,7 +115,7 @@ TEST_F(StandardProbe, ARateChangeReachesThePlugInOnTheMainThreadOnly)
                                 "dispatch effMainsChanged index=0 value=1 opt=0",
                             }));
     record.Clear();
-    host->Process(ctx.Context());
+    host->Process(ctx.Block());
     host->ApplyPendingSettings();
     EXPECT_TRUE(Dispatches().empty());  // applied once
 }
@@ -127,7 +127,7 @@ TEST_F(StandardProbe, EachSliceAsksForTheTimeOfItsOwnStart)
     ctx.mTransport.mSamplePosition = 44100;
     ctx.mTransport.mTicks = 2 * 960000;  // one second at 120 bpm
     record.Clear();
-    host->Process(ctx.Context());
+    host->Process(ctx.Block());
     std::vector<std::string> positions;
     for (const std::string& line : record.LinesStartingWith("time "))
         positions.push_back(line.substr(0, line.find(" tempo=")));
@@ -151,7 +151,7 @@ TEST_F(StandardProbe, AnEventCarriesOnlyTheDataBytesItsPacketCounts)
     corrupt.mLength = 9;
     ctx.mMidiIn.mPackets = {programChange, empty, corrupt};
     record.Clear();
-    host->Process(ctx.Context());
+    host->Process(ctx.Block());
     std::vector<std::string> data;
     for (const std::string& line : record.LinesStartingWith("event "))
         data.push_back(line.substr(line.find("data="), 16));

@@ -20,7 +20,7 @@ std::vector<std::vector<float>> Render(CFakeHostVST2& host, const std::vector<AA
     for (int b = 0; b < blocks; ++b) {
         ctx.mMidiIn.mPackets = b == 0 ? packets : std::vector<AAX_CMidiPacket>{};
         ctx.SetFrames(frames);
-        host.Process(ctx.Context());
+        host.Process(ctx.Block());
         for (int c = 0; c < CTestContext::kOutputs; ++c)
             channels[c].insert(channels[c].end(), ctx.Output(c).begin(), ctx.Output(c).end());
     }
@@ -32,10 +32,9 @@ std::vector<std::vector<float>> Render(CFakeHostVST2& host, const std::vector<AA
 TEST(Tavrion, DamagedBankChunksAreRefusedWhole)
 {
     HostedPlugin source(TavrionPath());
-    unsigned int size = 0;
-    source.host->GetState(&size, nullptr);
-    std::vector<unsigned char> good(size);
-    source.host->GetState(&size, good.data());
+    const SPluginState state = source.host->GetState();
+    const std::vector<unsigned char> good(state.bytes.begin(), state.bytes.end());
+    const auto size = static_cast<uint32_t>(good.size());
     const unsigned int margin = CFakeHostVST2::kStateMargin;
     const size_t chunkSize = size - margin;
 
@@ -57,13 +56,10 @@ TEST(Tavrion, DamagedBankChunksAreRefusedWhole)
         HostedPlugin target(TavrionPath());
         target.host->AddInputChangeForProcessing(1, 0.33);
         std::vector<unsigned char> bytes = bad[i];
-        target.host->SetState(size, bytes.data());
+        target.host->SetState(bytes.data(), size);
         // A truncated chunk: the whole size minus one byte of the chunk.
-        target.host->SetState(static_cast<unsigned int>(chunkSize - 1 + margin), good.data());
-        std::string name;
-        float value = -1.0f;
-        target.host->GetParameterInfo(1, name, value);
-        EXPECT_FLOAT_EQ(value, 0.33f) << "case " << i;
+        target.host->SetState(good.data(), static_cast<uint32_t>(chunkSize - 1 + margin));
+        EXPECT_FLOAT_EQ(static_cast<float>(target.host->GetParameterValue(1).value_or(-1.0)), 0.33f) << "case " << i;
     }
 }
 

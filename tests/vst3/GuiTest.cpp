@@ -28,14 +28,12 @@ TEST(Vst3Gui, OpenResizeAndClose)
     CHostedPlugin plugin("MrvTestSynth");
     CFakeHostVST3& host = *plugin.mHost;
 
-    float width = -1, height = -1;
     CTestViewContainer container;
     host.CreateGUI(&container);
     EXPECT_EQ(trace.LinesStartingWith("view.attached parent=0x1234 type=NSView").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("view.setFrame set").size(), 1u);
-    host.GetViewSize(width, height);
-    EXPECT_EQ(width, 400);
-    EXPECT_EQ(height, 300);
+    EXPECT_EQ(host.GetViewSize().width, 400);
+    EXPECT_EQ(host.GetViewSize().height, 300);
 
     AskResize(plugin.Loader(), 640, 480);
     ASSERT_EQ(container.mSizes.size(), 1u);
@@ -59,9 +57,7 @@ TEST(Vst3Gui, OpenResizeAndClose)
     EXPECT_GT(removed, trace.IndexOf("view.setFrame null"));
     EXPECT_GT(trace.IndexOf("view.destroyed"), removed);
     EXPECT_FALSE(log.Contains("mView not released"));
-    width = -1;
-    host.GetViewSize(width, height);
-    EXPECT_EQ(width, -1);
+    EXPECT_FALSE(host.GetViewSize().known);
     host.QuitGUI();  // nothing left to close
 }
 
@@ -76,14 +72,10 @@ TEST(Vst3Gui, ContainerWithoutParentOrPluginWithoutView)
         plugin.mHost->CreateGUI(&container);
         EXPECT_TRUE(log.Contains("Standard View not created by Controller"));
         // The view exists but is not attached: its size is still readable.
-        float width = -1, height = -1;
-        plugin.mHost->GetViewSize(width, height);
-        EXPECT_EQ(width, 400);
+        EXPECT_EQ(plugin.mHost->GetViewSize().width, 400);
     }
     CHostedPlugin single("MrvTestSingle");  // createView gives nothing
     CTestViewContainer container;
     single.mHost->CreateGUI(&container);
-    float width = -1, height = -1;
-    single.mHost->GetViewSize(width, height);
-    EXPECT_EQ(width, -1);
+    EXPECT_FALSE(single.mHost->GetViewSize().known);
 }

@@ -107,7 +107,7 @@ TEST(Vst3Hosting, ChangesWhileProcessing)
         CTestContext buffers(64);
         buffers.mContext.mMidiIn = nullptr;
         while (!stop)
-            plugin.mHost->Process(buffers.Context());
+            plugin.mHost->Process(buffers.Block());
     });
     for (int i = 0; i < 20000; ++i)
         plugin.mHost->AddInputChangeForProcessing(i % 4, (i % 100) / 100.0);

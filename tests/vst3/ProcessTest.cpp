@@ -51,7 +51,7 @@ TEST(Vst3Process, ImmediateMaskedAndSystemMessages)
     buffers.mMidiIn.Add(23, 0xD2, 0xFF, 0);     // after-touch, masked to 127
     buffers.mMidiIn.Add(24, 0xE6, 0x01, 0x00);  // smallest bend step
     buffers.mMidiIn.Add(25, 0xB0, 1, 10);       // unmapped controller
-    plugin.mHost->Process(buffers.Context());
+    plugin.mHost->Process(buffers.Block());
 
     EXPECT_EQ(trace.LinesStartingWith("proc.noteOn"),
               std::vector<std::string>{"proc.noteOn ch=3 pitch=64 vel=0.000000 offset=9 flags=1 id=-1"});
@@ -79,7 +79,7 @@ TEST(Vst3Process, EffectWithoutEventBusDropsMidiAndProcessesAudio)
     buffers.mMidiIn.Add(1, 0xA0, 60, 100);
     buffers.mMidiIn.Add(2, 0xB0, 7, 100);
     plugin.mHost->AddInputChangeForProcessing(0, 0.5);
-    plugin.mHost->Process(buffers.Context());
+    plugin.mHost->Process(buffers.Block());
     EXPECT_EQ(trace.LinesStartingWith("effect.process samples=64 events=none").size(), 1u);
     EXPECT_FLOAT_EQ(buffers.Output(0)[10], 0.25f);
     EXPECT_FLOAT_EQ(buffers.Output(1)[63], 0.25f);
@@ -96,10 +96,10 @@ TEST(Vst3Process, HostChangesReachProcessorOnceAndOutputChangesReachController)
     EXPECT_EQ(trace.LinesStartingWith("ctrl.setParamNormalized id=0 value=0.300000").size(), 1u);
     CTestContext buffers(64);
     buffers.mMidiIn.Add(0, 0x90, 69, 127);  // the synth reports its peak as an output change
-    plugin.mHost->Process(buffers.Context());
+    plugin.mHost->Process(buffers.Block());
     EXPECT_EQ(trace.LinesStartingWith("proc.param id=0 value=0.300000 offset=0").size(), 1u);
     buffers.mMidiIn.mPackets.clear();
-    plugin.mHost->Process(buffers.Context());
+    plugin.mHost->Process(buffers.Block());
     EXPECT_EQ(trace.LinesStartingWith("proc.param").size(), 1u);
     // The background timer delivers within a few ticks.
     for (int i = 0; i < 100 && trace.LinesStartingWith("ctrl.setParamNormalized id=5").empty(); ++i)
@@ -131,7 +131,7 @@ TEST(Vst3Process, RestartComponentFlags)
     }
     CTestContext buffers(64);
     buffers.mMidiIn.Add(0, 0xB0, 11, 127);
-    plugin.mHost->Process(buffers.Context());
+    plugin.mHost->Process(buffers.Block());
     EXPECT_EQ(trace.LinesStartingWith("proc.param id=0 value=1.000000 offset=0").size(), 1u);
 }
 
@@ -149,6 +149,7 @@ TEST(Vst3Standard, ValuesThePlugInChangedItselfAreReadBackIntoTheAaxParameters)
     CTrace trace;
     std::string path = BundlePath("MrvTestSynth");
     CFakeHostVST3 host(owner, path, EHostMode::kStandard);
+    host.SetEditListener(&owner);
     ASSERT_TRUE(host.Init());
     host.Setup();
     EXPECT_EQ(trace.LinesStartingWith("proc.setActive 1").size(), 1u);
@@ -172,7 +173,7 @@ TEST(Vst3Standard, ARateChangeIsAppliedOnTheMainThreadWithTheComponentSwitchedOf
     host.Setup();  // no AAX controller: 44.1 kHz
     CTestContext buffers(64, 96000.0f);
     trace.Clear();
-    std::thread audio([&] { host.Process(buffers.Context()); });
+    std::thread audio([&] { host.Process(buffers.Block()); });
     audio.join();
     // The audio thread only processed (switching processing on, as the first
     // buffer does) and noted the new rate.

@@ -11,7 +11,7 @@ TEST(Vst3Realtime, ProcessDoesNotAllocate)
     CHostedPlugin plugin("MrvTestSynth");
     CTestContext buffers(256);
     buffers.mTransport.mPlaying = true;
-    plugin.mHost->Process(buffers.Context());  // first call: setProcessing(true)
+    plugin.mHost->Process(buffers.Block());  // first call: setProcessing(true)
 
     for (int block = 0; block < 50; ++block) {
         buffers.mMidiIn.mPackets.clear();
@@ -26,7 +26,7 @@ TEST(Vst3Realtime, ProcessDoesNotAllocate)
         buffers.mMidiIn.GetNodeBuffer();  // the host prepares its buffer before the callback
         plugin.mHost->AddInputChangeForProcessing(block % 6, 0.5);
         const size_t before = TestSupport::HeapAllocationCount();
-        plugin.mHost->Process(buffers.Context());
+        plugin.mHost->Process(buffers.Block());
         ASSERT_EQ(TestSupport::HeapAllocationCount() - before, 0u) << "block " << block;
     }
 }

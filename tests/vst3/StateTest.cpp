@@ -10,13 +10,9 @@ namespace {
 
 std::vector<unsigned char> SaveState(CFakeHostVST3& host)
 {
-    unsigned int size = 0;
-    EXPECT_TRUE(host.GetState(&size, nullptr));
-    std::vector<unsigned char> block(size, 0xEE);
-    unsigned int size2 = size;
-    EXPECT_TRUE(host.GetState(&size2, block.data()));
-    EXPECT_EQ(size, size2);
-    return block;
+    const SPluginState state = host.GetState();
+    EXPECT_TRUE(state.gave);
+    return std::vector<unsigned char>(state.bytes.begin(), state.bytes.end());
 }
 
 uint32_t ReadU32(const std::vector<unsigned char>& block, size_t offset)
@@ -50,10 +46,10 @@ TEST(Vst3StateBadInput, CutEveryLengthIsRefusedAndTheWholeBlockStillWorks)
         // A fresh copy of exactly `cut` bytes, so a read past it is caught
         // by the sanitizers.
         std::vector<unsigned char> piece(block.begin(), block.begin() + static_cast<long>(cut));
-        EXPECT_FALSE(source.mHost->SetState(static_cast<unsigned int>(cut), piece.empty() ? nullptr : piece.data()))
+        EXPECT_FALSE(source.mHost->SetState(piece.empty() ? nullptr : piece.data(), static_cast<uint32_t>(cut)))
             << cut;
     }
     EXPECT_EQ(trace.LinesStartingWith("proc.setState").size(), 0u);
-    EXPECT_TRUE(source.mHost->SetState(static_cast<unsigned int>(used), block.data()));
+    EXPECT_TRUE(source.mHost->SetState(block.data(), static_cast<uint32_t>(used)));
     EXPECT_EQ(trace.LinesStartingWith("proc.setState volume=").size(), 1u);
 }

@@ -1,22 +1,24 @@
 // The one abstract VST host through which the AAX front end drives the
-// wrapped plug-in, whatever its format. Operations are grouped by the thread
-// that may call them; the implementations check it (ThreadRole.h), so a
-// main-thread operation reached from the audio thread stops a test run.
+// wrapped plug-in, whatever its format. Every operation is a public,
+// non-virtual entry that checks its thread (ThreadRole.h), keeps a failure
+// from crossing into the AAX host (one error line, a neutral answer), and
+// then calls the format's private implementation. A back end therefore
+// places no thread check of its own at a contract operation.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
+#include "fakehost/FakeHostResults.h"
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
+#include "fakehost/ProcessBlock.h"
 
 class AAX_IViewContainer;
-struct S_Alg_Context;
-
-// Catalogue of hosting failure texts, kept in this order.
-extern const char* const _DicoException[11];
 
 class IFakeHost {
 public:
@@ -25,60 +27,54 @@ public:
     {
     }
     virtual ~IFakeHost() = default;
+    IFakeHost(const IFakeHost&) = delete;
+    IFakeHost& operator=(const IFakeHost&) = delete;
 
     // --- Main thread: life cycle, description, parameters, state. ---------
     // May allocate, lock the controller and wait for process calls to leave.
     // True when the plug-in objects exist; otherwise GetLoadError says why.
-    virtual bool Init() = 0;
-    virtual void Setup() = 0;
-    virtual void Quit() = 0;
-    virtual std::string GetLoadError() const { return std::string(); }
-    virtual std::string GetPluginVendor() = 0;
-    virtual std::string GetPluginVersion() = 0;
-    virtual int32_t GetPluginProductUniqueID() = 0;
-    virtual int GetParameterCount() = 0;
-    virtual bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) = 0;
-    // Whether parameter `index` becomes an AAX parameter, and the number its
-    // AAX identifier is made of (the index, or the plug-in's own parameter
-    // ID where the format has stable ones).
-    virtual bool IsParameterPublished(int /*index*/) { return true; }
-    virtual uint32_t GetParameterTag(int index) { return static_cast<uint32_t>(index); }
-    // The parameter's present value, normalised; false when it cannot tell.
-    virtual bool GetParameterValue(int /*index*/, double& /*outValue*/) { return false; }
-    virtual void AddInputChangeForProcessing(int index, double value) = 0;
-    virtual void AddInputChangeForGUI(int index, double value) = 0;
-    // The plug-in's state: with outpData null only its size, else the state
-    // itself into a block of *outSize bytes. False when the plug-in gave none
-    // (the size is then still one the front end may publish), or when the
-    // state is larger than the block: nothing is written then, and *outSize
-    // says what it needs (a plug-in's state may change between two calls).
-    virtual bool GetState(unsigned int* outSize, void* outpData) = 0;
+    bool Init();
+    void Setup();
+    void Quit();
+    std::string GetLoadError() const;
+    std::string GetPluginVendor();
+    std::string GetPluginVersion();
+    int32_t GetPluginProductUniqueID();
+    // -1 when there is no plug-in to ask.
+    int GetParameterCount();
+    SParameterInfo GetParameterInfo(int index);
+    // The parameter's present value, normalised; empty when it cannot tell.
+    std::optional<double> GetParameterValue(int index);
+    void AddInputChangeForProcessing(int index, double value);
+    void AddInputChangeForGUI(int index, double value);
+    SPluginState GetState();
     // False when the block was refused and the plug-in was left as it was.
-    virtual bool SetState(unsigned int inSize, void* inpData) = 0;
+    bool SetState(const void* data, uint32_t size);
     // Whether the plug-in's own state sets its parameter values on a restore
     // (a VST 2 plug-in without chunks has none: the AAX values are its state).
-    virtual bool StateHoldsParameterValues() { return true; }
+    bool StateHoldsParameterValues();
 
     // --- Main thread, from the editor view bridge. --------------------------
     // Touches the plug-in's editor and the host's view container only.
-    virtual void QuitGUI() = 0;
-    virtual void CreateGUI(AAX_IViewContainer* container) = 0;
-    virtual void GetViewSize(float& outWidth, float& outHeight) = 0;
+    void QuitGUI();
+    void CreateGUI(AAX_IViewContainer* container);
+    SViewSize GetViewSize();
 
     // --- Main thread, from the host's idle timer. ---------------------------
     // The editor's idle work and its size requests.
-    virtual int32_t TimerWakeup() { return 0; }
+    int32_t TimerWakeup();
     // Applies a sample-rate change that processing has seen, with processing
     // held off meanwhile (the audio thread is never made to wait).
-    virtual void ApplyPendingSettings() {}
+    void ApplyPendingSettings();
 
     // --- Real-time thread: never blocks, never allocates. -------------------
-    // Touches the processor, the buffers, the MIDI nodes and the transport;
-    // the controller only where a host mode says so, marked in the code.
-    virtual void Process(S_Alg_Context* context) = 0;
+    // One buffer, as the front end read it from the AAX context. A failure
+    // here is not caught: the real-time callback ends the buffer for every
+    // instance (its catch formats a line only on that path).
+    void Process(const CProcessBlock& block);
 
     EHostMode GetHostMode() const { return mHostMode; }
-    // STANDARD: who hears of the plug-in's own edits (set before Init).
+    // Who hears of the plug-in's own edits (set before Init).
     void SetEditListener(IPluginEditListener* listener) { mEditListener = listener; }
 
 protected:
@@ -92,7 +88,31 @@ protected:
         return rate > 0.0f ? static_cast<double>(rate) : fallback;
     }
 
+    IPluginEditListener* mEditListener = nullptr;
+
+private:
+    virtual bool DoInit() = 0;
+    virtual void DoSetup() = 0;
+    virtual void DoQuit() = 0;
+    virtual std::string DoGetLoadError() const { return std::string(); }
+    virtual std::string DoGetPluginVendor() = 0;
+    virtual std::string DoGetPluginVersion() = 0;
+    virtual int32_t DoGetPluginProductUniqueID() = 0;
+    virtual int DoGetParameterCount() = 0;
+    virtual SParameterInfo DoGetParameterInfo(int index) = 0;
+    virtual std::optional<double> DoGetParameterValue(int /*index*/) { return std::nullopt; }
+    virtual void DoAddInputChangeForProcessing(int index, double value) = 0;
+    virtual void DoAddInputChangeForGUI(int index, double value) = 0;
+    virtual SPluginState DoGetState() = 0;
+    virtual bool DoSetState(const void* data, uint32_t size) = 0;
+    virtual bool DoStateHoldsParameterValues() { return true; }
+    virtual void DoQuitGUI() = 0;
+    virtual void DoCreateGUI(AAX_IViewContainer* container) = 0;
+    virtual SViewSize DoGetViewSize() = 0;
+    virtual int32_t DoTimerWakeup() { return 0; }
+    virtual void DoApplyPendingSettings() {}
+    virtual void DoProcess(const CProcessBlock& block) = 0;
+
     AAX_CEffectParameters& mEffectParameters;
     const EHostMode mHostMode;
-    IPluginEditListener* mEditListener = nullptr;
 };

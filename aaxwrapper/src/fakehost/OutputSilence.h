@@ -1,17 +1,18 @@
-// Silence on every output channel of a context record (main pair and stems),
-// for a fake host that holds processing off. Real-time safe.
+// Silence on every output channel of a block (main pair and stems), for a
+// fake host that holds processing off. Real-time safe.
 #pragma once
 
 #include <cstring>
 
-#include "S_Alg_Context.h"
+#include "fakehost/ProcessBlock.h"
 
-inline void SilenceAllOutputs(const S_Alg_Context& context)
+inline void SilenceAllOutputs(const CProcessBlock& block)
 {
-    const int32_t frames = context.mBufferLength != nullptr ? *context.mBufferLength : 0;
-    if (context.mOutputs == nullptr || frames <= 0)
+    const int32_t frames = block.Frames();
+    float* const* outputs = block.Outputs();
+    if (outputs == nullptr || frames <= 0)
         return;
-    for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
-        if (context.mOutputs[c] != nullptr)
-            std::memset(context.mOutputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
+    for (int c = 0; c < kBlockOutputChannels; ++c)
+        if (outputs[c] != nullptr)
+            std::memset(outputs[c], 0, sizeof(float) * static_cast<size_t>(frames));
 }

@@ -1,4 +1,4 @@
-// Lifecycle, description, parameters and state of the VST 2 fake host.
+// Loading the VST 2 effect, its life cycle and its description.
 #include "vst2/CFakeHostVST2.h"
 
 #include <algorithm>
@@ -8,18 +8,16 @@
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
-#include "S_Alg_Context.h"
 #include "fakehost/FakeHostFactory.h"
-#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/VendorVersion.h"
 
-IFakeHost* CreateFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+std::unique_ptr<IFakeHost> CreateFakeHostVST2(AAX_CEffectParameters& owner, const std::string& path, EHostMode mode)
 {
-    return new CFakeHostVST2(owner, path, mode);
+    return std::make_unique<CFakeHostVST2>(owner, path, mode);
 }
 
-CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode)
+CFakeHostVST2::CFakeHostVST2(AAX_CEffectParameters& owner, const std::string& path, EHostMode mode)
     : IFakeHost(owner, mode)
 {
     MV_LOG("bundle", kLogInfo, "HOST> Load library...");
@@ -80,9 +78,8 @@ VstIntPtr CFakeHostVST2::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr val
     return 0;
 }
 
-bool CFakeHostVST2::Init()
+bool CFakeHostVST2::DoInit()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::Init");
     if (IsStandard() && effect == nullptr && mEntry) {
         mSampleRate = HostSampleRate(mSampleRate);
         CreateEffect(mEntry);
@@ -118,8 +115,7 @@ bool CFakeHostVST2::Init()
 
     if (IsStandard()) {
         // The plug-in starts on its own initial program.
-        mEventRecords.assign(kMaxEventsPerBuffer, VstMidiEvent{});
-        mEventList.assign(sizeof(VstEvents) + (kMaxEventsPerBuffer - 2) * sizeof(VstEvent*), 0);
+        MakeEventList();
     } else {
         Dispatch(effSetProgram, 0, 0);
     }
@@ -158,17 +154,15 @@ void CFakeHostVST2::MakeWideChannels()
         mWideOutputs[static_cast<size_t>(c)] = next;
 }
 
-void CFakeHostVST2::Setup()
+void CFakeHostVST2::DoSetup()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::Setup");
     if (!IsStandard() || effect == nullptr)
         return;
     Configure(HostSampleRate(mSampleRate));
 }
 
-void CFakeHostVST2::ApplyPendingSettings()
+void CFakeHostVST2::DoApplyPendingSettings()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::ApplyPendingSettings");
     const double rate = mPendingRate.exchange(0.0);
     if (IsStandard() && effect != nullptr && rate > 0.0)
         Configure(rate);
@@ -188,9 +182,8 @@ void CFakeHostVST2::Configure(double sampleRate)
     Dispatch(effMainsChanged, 0, 1);
 }
 
-void CFakeHostVST2::Quit()
+void CFakeHostVST2::DoQuit()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::Quit");
     delete midiEvent;
     midiEvent = nullptr;
     if (effect == nullptr)
@@ -201,10 +194,11 @@ void CFakeHostVST2::Quit()
     Dispatch(effClose);
     // effClose makes the plug-in free its record: nothing may reach it now.
     effect = nullptr;
-    currentContext = nullptr;
+    mBlock = nullptr;
+    mMidiOut = nullptr;
 }
 
-std::string CFakeHostVST2::GetPluginVendor()
+std::string CFakeHostVST2::DoGetPluginVendor()
 {
     if (effect == nullptr)
         return std::string();
@@ -213,7 +207,7 @@ std::string CFakeHostVST2::GetPluginVendor()
     return std::string(vendor);
 }
 
-std::string CFakeHostVST2::GetPluginVersion()
+std::string CFakeHostVST2::DoGetPluginVersion()
 {
     if (effect == nullptr)
         return std::string();
@@ -222,104 +216,8 @@ std::string CFakeHostVST2::GetPluginVersion()
     return Morvane::FormatVendorVersion(version);
 }
 
-int32_t CFakeHostVST2::GetPluginProductUniqueID()
+int32_t CFakeHostVST2::DoGetPluginProductUniqueID()
 {
     return effect != nullptr ? effect->uniqueID : -1;
 }
 
-int CFakeHostVST2::GetParameterCount()
-{
-    MV_MAIN_THREAD("CFakeHostVST2::GetParameterCount");
-    return effect != nullptr ? effect->numParams : -1;
-}
-
-bool CFakeHostVST2::GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault)
-{
-    MV_MAIN_THREAD("CFakeHostVST2::GetParameterInfo");
-    if (effect == nullptr)
-        return false;
-    const int inID = inParamIndex;
-    MV_COND_ASSERT("fakehost", 0 <= inID && inID < GetParameterCount(), "0<=inID && inID<GetParameterCount()",
-                   "Bad access to parameters info", " inID = ", inID,
-                   " GetParameterCount() = ", GetParameterCount());
-    char name[kTextBufferSize + 1] = {};
-    Dispatch(effGetParamName, inParamIndex, 0, name);
-    outName = name;
-    if (effect->getParameter != nullptr)
-        outDefault = effect->getParameter(effect, inParamIndex);
-    return true;
-}
-
-bool CFakeHostVST2::GetParameterValue(int index, double& outValue)
-{
-    if (effect == nullptr || effect->getParameter == nullptr || index < 0 || index >= effect->numParams)
-        return false;
-    outValue = static_cast<double>(effect->getParameter(effect, index));
-    return true;
-}
-
-void CFakeHostVST2::AddInputChangeForProcessing(int index, double value)
-{
-    MV_MAIN_THREAD("CFakeHostVST2::AddInputChangeForProcessing");
-    MV_LOG("process", kLogDebug, "VST2> AddInputChangeForProcessing... ", index, " ", value);
-    if (effect == nullptr || effect->setParameter == nullptr)
-        return;
-    effect->setParameter(effect, index, static_cast<float>(value));
-}
-
-void CFakeHostVST2::AddInputChangeForGUI(int, double) {}
-
-bool CFakeHostVST2::GetState(unsigned int* outSize, void* outpData)
-{
-    MV_MAIN_THREAD("CFakeHostVST2::GetState");
-    if (effect == nullptr || outSize == nullptr)
-        return false;
-    void* chunk = nullptr;
-    VstIntPtr size = Dispatch(effGetChunk, 0, 0, &chunk);
-    bool gave = true;
-    if (chunk == nullptr || size < 0) {
-        MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the plug-in gave no chunk");
-        size = 0;
-        gave = false;
-    }
-    // AAX chunk sizes are 32-bit signed; a larger state cannot be saved.
-    if (size > static_cast<VstIntPtr>(INT32_MAX - kStateMargin)) {
-        MV_LOG("fakehost", kLogError, "VST2 - GetState: chunk of ", static_cast<long long>(size),
-               " bytes is too large to save");
-        size = 0;
-        gave = false;
-    }
-    const unsigned int needed = static_cast<unsigned int>(size) + kStateMargin;
-    if (outpData != nullptr && needed > *outSize) {
-        MV_LOG("fakehost", kLogWarning, "VST2 - GetState: the state needs ", needed, " bytes, the block has ",
-               *outSize);
-        *outSize = needed;
-        return false;
-    }
-    *outSize = needed;
-    if (outpData != nullptr) {
-        if (size > 0)
-            std::memcpy(outpData, chunk, static_cast<size_t>(size));
-        // The margin is part of the saved chunk: zero it so projects never
-        // carry stale host memory, and plug-ins that read their chunk as
-        // text find a terminator.
-        std::memset(static_cast<char*>(outpData) + size, 0, kStateMargin);
-    }
-    return gave;
-}
-
-bool CFakeHostVST2::SetState(unsigned int inSize, void* inpData)
-{
-    MV_MAIN_THREAD("CFakeHostVST2::SetState");
-    if (effect == nullptr)
-        return false;
-    // A size that does not even cover the margin cannot come from GetState;
-    // passing it on would hand the plug-in a negative length.
-    if (inpData == nullptr || inSize <= kStateMargin) {
-        MV_LOG("fakehost", kLogError, "VST2 - SetState refused: size ", inSize, " does not exceed the margin of ",
-               kStateMargin, " bytes");
-        return false;
-    }
-    Dispatch(effSetChunk, 0, static_cast<VstIntPtr>(inSize - kStateMargin), inpData);
-    return true;
-}

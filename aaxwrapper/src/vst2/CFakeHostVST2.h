@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "ProcessGate.h"
-#include "S_Alg_Context.h"
+#include "fakehost/ProcessBlock.h"
 #include "fakehost/IFakeHost.h"
 #include "vst2/CVST2PluginLoader.h"
 #include "vst2/VstInterface.h"
 
 class AAX_CEffectParameters;
+class AAX_IMIDINode;
 class AAX_IViewContainer;
 
 class CFakeHostVST2 : public IFakeHost {
@@ -23,39 +24,15 @@ public:
     // SetState; both sides must use this one constant.
     static constexpr unsigned int kStateMargin = sizeof(void*) == 8 ? 60 : 58;
     static constexpr int kTextBufferSize = 256;
-    // Channels every context record carries: inputs, and main pair plus stems.
-    static constexpr int kHostInputChannels = kAlgBypassChannels;
-    static constexpr int kHostOutputChannels = 2 + 2 * kNumOutputStems;
+    // Channels every block carries: inputs, and main pair plus stems.
+    static constexpr int kHostInputChannels = kBlockInputChannels;
+    static constexpr int kHostOutputChannels = kBlockOutputChannels;
     // STANDARD: the most MIDI events handed over in one effProcessEvents.
     static constexpr int kMaxEventsPerBuffer = 1024;
     static constexpr double kDefaultSampleRate = 44100.0;
 
-    CFakeHostVST2(AAX_CEffectParameters& owner, std::string& path, EHostMode mode = EHostMode::kClassic);
+    CFakeHostVST2(AAX_CEffectParameters& owner, const std::string& path, EHostMode mode = EHostMode::kClassic);
     ~CFakeHostVST2() override;
-    CFakeHostVST2(const CFakeHostVST2&) = delete;
-    CFakeHostVST2& operator=(const CFakeHostVST2&) = delete;
-
-    bool Init() override;
-    void Setup() override;
-    void Quit() override;
-    std::string GetLoadError() const override { return mLoadError; }
-    void ApplyPendingSettings() override;
-    std::string GetPluginVendor() override;
-    std::string GetPluginVersion() override;
-    int32_t GetPluginProductUniqueID() override;
-    int GetParameterCount() override;
-    bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) override;
-    bool GetParameterValue(int index, double& outValue) override;
-    void Process(S_Alg_Context* context) override;
-    void AddInputChangeForProcessing(int index, double value) override;
-    void AddInputChangeForGUI(int index, double value) override;
-    void QuitGUI() override;
-    void CreateGUI(AAX_IViewContainer* container) override;
-    void GetViewSize(float& outWidth, float& outHeight) override;
-    int32_t TimerWakeup() override;
-    bool GetState(unsigned int* outSize, void* outpData) override;
-    bool SetState(unsigned int inSize, void* inpData) override;
-    bool StateHoldsParameterValues() override { return effect != nullptr && (effect->flags & effFlagsProgramChunks) != 0; }
 
     // The callback handed to the effect's entry function.
     static VstIntPtr staticHostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index,
@@ -65,30 +42,59 @@ public:
     AEffect* GetEffect() const { return effect; }
 
 private:
+    // Loading (CFakeHostVST2.cpp).
+    bool DoInit() override;
+    void DoSetup() override;
+    void DoQuit() override;
+    std::string DoGetLoadError() const override { return mLoadError; }
+    void DoApplyPendingSettings() override;
+    std::string DoGetPluginVendor() override;
+    std::string DoGetPluginVersion() override;
+    int32_t DoGetPluginProductUniqueID() override;
+    // Parameters (CFakeHostVST2Parameters.cpp).
+    int DoGetParameterCount() override;
+    SParameterInfo DoGetParameterInfo(int index) override;
+    std::optional<double> DoGetParameterValue(int index) override;
+    void DoAddInputChangeForProcessing(int index, double value) override;
+    void DoAddInputChangeForGUI(int index, double value) override;
+    // State (CFakeHostVST2State.cpp).
+    SPluginState DoGetState() override;
+    bool DoSetState(const void* data, uint32_t size) override;
+    bool DoStateHoldsParameterValues() override;
+    // Editor (CFakeHostVST2Editor.cpp).
+    void DoQuitGUI() override;
+    void DoCreateGUI(AAX_IViewContainer* container) override;
+    SViewSize DoGetViewSize() override;
+    int32_t DoTimerWakeup() override;
+    // Processing (CFakeHostVST2Process.cpp).
+    void DoProcess(const CProcessBlock& block) override;
+
     VstIntPtr Dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
                        void* ptr = nullptr, float opt = 0.0f);
+    void CreateEffect(const CVST2PluginLoader::EntryFunction& entry);
     // CLASSIC: a new host rate restarts the effect before the buffer.
-    void ApplyContextRate(S_Alg_Context* context);
-    // The time info is filled from the transport only when the effect asks
-    // for it (audioMasterGetTime) from the processing thread, once per buffer
-    // or slice: an effect that never asks costs no transport calls.
-    void MarkTimeInfoStale(S_Alg_Context* context, int32_t start)
+    void ApplyContextRate(const CProcessBlock& block);
+    // The time info is filled from the block's transport only when the effect
+    // asks for it (audioMasterGetTime) from the processing thread, once per
+    // buffer or slice: an effect that never asks costs no transport calls.
+    void BeginBlock(const CProcessBlock& block)
     {
-        currentContext = context;
-        mTimeStart = start;
+        mBlock = &block;
+        mMidiOut = block.MidiOut();
         mTimeStale = true;
         mProcessThread.store(pthread_self(), std::memory_order_relaxed);
     }
     void FillTimeInfo();
-    void PushInputEvents(const AAX_CMidiStream& stream);
+    void PushInputEvents(const CProcessBlock& block);
     VstIntPtr StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt, bool& handled);
 
     // STANDARD: the effect is told the rate and block size on the main thread
     // only; processing notes a rate it has not been set up for.
     void Configure(double sampleRate);
-    void ProcessStandard(S_Alg_Context* context);
-    void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames);
-    void PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice);
+    void ProcessStandard(const CProcessBlock& block);
+    void ProcessSlice(const CProcessBlock& slice);
+    void PushSliceEvents(const CProcessBlock& slice);
+    void MakeEventList();
     VstIntPtr ForwardOutputEvents(void* ptr);
     VstIntPtr SizeWindow(VstInt32 width, VstIntPtr height);
 
@@ -99,11 +105,13 @@ private:
     VstMidiEvent* midiEvent = nullptr;
     AAX_IViewContainer* viewContainer = nullptr;
     bool needsResize = true;
-    S_Alg_Context* currentContext = nullptr;
-    // Time info owed for the current buffer or slice (processing thread only).
+    // The block being processed (processing thread, during the call only)
+    // and the MIDI output node of the last one, which plug-ins that send
+    // events outside their process call still reach.
+    const CProcessBlock* mBlock = nullptr;
+    AAX_IMIDINode* mMidiOut = nullptr;
     std::atomic<pthread_t> mProcessThread{};
-    bool mTimeStale = false;
-    int32_t mTimeStart = 0;
+    bool mTimeStale = false;  // the block's time info is still owed
     // False when the effect declares more channels than the host's context
     // carries. CLASSIC then does not process it rather than let it run past
     // the arrays; STANDARD gives it every channel it declares (see below).
@@ -112,13 +120,11 @@ private:
     // scratch buffers of the largest block made at Init (silence in, output
     // dropped). The pointer arrays are refilled per call, nothing allocated.
     void MakeWideChannels();
-    void PointWideChannels(S_Alg_Context* context, int32_t start, int32_t frames, float**& inputs, float**& outputs);
+    void PointWideChannels(const CProcessBlock& slice, float**& inputs, float**& outputs);
     std::vector<float> mScratch;
     std::vector<float*> mWideInputs;
     std::vector<float*> mWideOutputs;
     static constexpr int kMaxWideChannels = 256;
-
-    void CreateEffect(const CVST2PluginLoader::EntryFunction& entry);
 
     std::string mLoadError;
     std::string mPath;
@@ -130,8 +136,9 @@ private:
     double mSampleRate = kDefaultSampleRate;        // what the effect was set up with
     std::atomic<double> mPendingRate{0.0};          // a different rate processing saw; 0: none
     Morvane::CProcessGate mGate;
-    std::vector<VstMidiEvent> mEventRecords;        // sized in Init
+    // The event records and the list pointing at them in order, made at
+    // Init; the list's slots are put back in order after a buffer sorted them.
+    std::vector<VstMidiEvent> mEventRecords;
     std::vector<char> mEventList;                   // a VstEvents with kMaxEventsPerBuffer slots
-    float* mSliceInputs[kHostInputChannels] = {};
-    float* mSliceOutputs[kHostOutputChannels] = {};
+    bool mSlotsSorted = false;
 };

@@ -4,10 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "AAX_CEffectParameters.h"
 #include "AAX_IMIDINode.h"
 #include "AAX_IViewContainer.h"
-#include "S_Alg_Context.h"
 #include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
@@ -52,18 +50,17 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
     }
     switch (opcode) {
     case audioMasterAutomate: {
-        char parameterID[32];
-        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
         MV_LOG("fakehost", kLogDebug, "Plugin asked us to automate parameter ", index, " ", opt);
         // VST 2 lets a plug-in automate from inside its process call, and the
-        // classic host forwards the value at once, whichever thread it is on.
+        // host forwards the value at once, whichever thread it is on.
         MV_AUDIO_THREAD_BY_DESIGN("a VST 2 plug-in may automate from its process call");
-        mEffectParameters.SetParameterNormalizedValue(parameterID, static_cast<double>(opt));
+        if (mEditListener != nullptr)
+            mEditListener->OnPluginEdit(static_cast<uint32_t>(index), static_cast<double>(opt));
         return 0;
     }
     case audioMasterGetTime:
         // Other threads get the values of the last buffer, as before.
-        if (pthread_equal(pthread_self(), mProcessThread.load(std::memory_order_relaxed)) && mTimeStale)
+        if (mTimeStale && pthread_equal(pthread_self(), mProcessThread.load(std::memory_order_relaxed)))
             FillTimeInfo();
         return reinterpret_cast<VstIntPtr>(&timeInfo);
     case audioMasterProcessEvents:
@@ -82,18 +79,11 @@ VstIntPtr CFakeHostVST2::VstCallback(VstInt32 opcode, VstInt32 index, VstIntPtr 
 }
 
 // What mainstream hosts answer where this host's classic answers differ.
-VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float opt,
+VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIntPtr, void* ptr, float,
                                           bool& handled)
 {
     handled = true;
-    char parameterID[32];
     switch (opcode) {
-    case audioMasterAutomate:
-        // Heard first, so that the host's echo of the value is not sent back.
-        if (mEditListener != nullptr)
-            mEditListener->OnPluginValue(static_cast<uint32_t>(index), static_cast<double>(opt));
-        handled = false;
-        return 0;
     case audioMasterGetSampleRate:
         return static_cast<VstIntPtr>(mSampleRate);
     case audioMasterGetBlockSize:
@@ -118,12 +108,12 @@ VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIn
         return 0;
     }
     case audioMasterBeginEdit:
-        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
-        mEffectParameters.TouchParameter(parameterID);
+        if (mEditListener != nullptr)
+            mEditListener->OnPluginBeginEdit(static_cast<uint32_t>(index));
         return 1;
     case audioMasterEndEdit:
-        std::snprintf(parameterID, sizeof(parameterID), "%d", index);
-        mEffectParameters.ReleaseParameter(parameterID);
+        if (mEditListener != nullptr)
+            mEditListener->OnPluginEndEdit(static_cast<uint32_t>(index));
         return 1;
     default:
         handled = false;
@@ -135,9 +125,9 @@ VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIn
 VstIntPtr CFakeHostVST2::ForwardOutputEvents(void* ptr)
 {
     const VstEvents* outgoing = static_cast<const VstEvents*>(ptr);
-    if (currentContext == nullptr || outgoing == nullptr || outgoing->numEvents < 1)
+    if (outgoing == nullptr || outgoing->numEvents < 1)
         return 0;
-    AAX_IMIDINode* outputNode = currentContext->mMidiOut;
+    AAX_IMIDINode* outputNode = mMidiOut;
     if (outputNode == nullptr)
         return 0;
     for (VstInt32 i = 0; i < outgoing->numEvents; ++i) {

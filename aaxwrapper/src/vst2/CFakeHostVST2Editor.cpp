@@ -1,7 +1,6 @@
 // Editor hosting of the VST 2 fake host: the effect's editor lives in the
 // native view the AAX view container provides.
 #include "AAX_IViewContainer.h"
-#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
 
@@ -9,9 +8,8 @@ namespace {
 char gCockosViewQuery[] = "hasCockosViewAsConfig";
 }
 
-void CFakeHostVST2::CreateGUI(AAX_IViewContainer* container)
+void CFakeHostVST2::DoCreateGUI(AAX_IViewContainer* container)
 {
-    MV_MAIN_THREAD("CFakeHostVST2::CreateGUI");
     needsResize = true;
     viewContainer = container;
     if (effect == nullptr || container == nullptr)
@@ -30,9 +28,8 @@ void CFakeHostVST2::CreateGUI(AAX_IViewContainer* container)
     Dispatch(effEditOpen, 0, 0, parent);
 }
 
-void CFakeHostVST2::QuitGUI()
+void CFakeHostVST2::DoQuitGUI()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::QuitGUI");
     if (effect != nullptr) {
         MV_LOG_AT("gui", kLogInfo, "QuitGUI", "HOST> Close editor...");
         Dispatch(effEditClose);
@@ -41,30 +38,31 @@ void CFakeHostVST2::QuitGUI()
     needsResize = false;
 }
 
-void CFakeHostVST2::GetViewSize(float& outWidth, float& outHeight)
+SViewSize CFakeHostVST2::DoGetViewSize()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::GetViewSize");
+    SViewSize size;
     if (effect == nullptr)
-        return;
+        return size;
     MV_LOG_AT("gui", kLogInfo, "GetViewSize", "Ask Get View Size...");
     ERect* eRect = nullptr;
     Dispatch(effEditGetRect, 0, 0, &eRect);
     MV_COND_ASSERT("gui", eRect != nullptr, "eRect != 0");
     // Unlike the rest of this path, reading through a null rectangle would
-    // crash the host: leave the outputs as they are instead.
+    // crash the host: no size then.
     if (eRect == nullptr)
-        return;
-    outWidth = static_cast<float>(eRect->right - eRect->left);
-    outHeight = static_cast<float>(eRect->bottom - eRect->top);
-    MV_LOG("gui", kLogInfo, "VST2 Get View Size Width = ", outWidth, " - Height = ", outHeight);
+        return size;
+    size.known = true;
+    size.width = static_cast<float>(eRect->right - eRect->left);
+    size.height = static_cast<float>(eRect->bottom - eRect->top);
+    MV_LOG("gui", kLogInfo, "VST2 Get View Size Width = ", size.width, " - Height = ", size.height);
     MV_LOG("gui", kLogDebug, "\n[LOG] ## ", "eRect->bottom", " = ", eRect->bottom, "\n[LOG] ## ", "eRect->top", " = ",
            eRect->top, "\n[LOG] ## ", "eRect->right", " = ", eRect->right, "\n[LOG] ## ", "eRect->left", " = ",
            eRect->left);
+    return size;
 }
 
-int32_t CFakeHostVST2::TimerWakeup()
+int32_t CFakeHostVST2::DoTimerWakeup()
 {
-    MV_MAIN_THREAD("CFakeHostVST2::TimerWakeup");
     if (effect == nullptr)
         return 0;
     Dispatch(effEditIdle);

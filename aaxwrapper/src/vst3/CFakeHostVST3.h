@@ -10,12 +10,9 @@
 
 #include "pluginterfaces/base/ipluginbase.h"
 #include "pluginterfaces/gui/iplugview.h"
-#include "S_Alg_Context.h"
 #include "fakehost/IFakeHost.h"
 #include "pluginterfaces/vst/vsttypes.h"
 
-class AAX_IMIDINode;
-struct AAX_CMidiStream;
 class CVST3Loader;
 class CPlugFrame;
 
@@ -29,55 +26,51 @@ class ParameterChanges;
 
 class CFakeHostVST3 : public IFakeHost {
 public:
-    CFakeHostVST3(AAX_CEffectParameters& owner, std::string& path, EHostMode mode = EHostMode::kClassic);
+    CFakeHostVST3(AAX_CEffectParameters& owner, const std::string& path, EHostMode mode = EHostMode::kClassic);
     ~CFakeHostVST3() override;
-
-    CFakeHostVST3(const CFakeHostVST3&) = delete;
-    CFakeHostVST3& operator=(const CFakeHostVST3&) = delete;
-
-    bool Init() override;
-    void Setup() override;
-    void Quit() override;
-    std::string GetLoadError() const override { return mLoadError; }
-    bool IsParameterPublished(int index) override;
-    bool GetParameterValue(int index, double& outValue) override;
-    uint32_t GetParameterTag(int index) override;
-    void ApplyPendingSettings() override;
-    std::string GetPluginVendor() override;
-    std::string GetPluginVersion() override;
-    int32_t GetPluginProductUniqueID() override { return 0; }
-    int GetParameterCount() override;
-    bool GetParameterInfo(int inParamIndex, std::string& outName, float& outDefault) override;
-    void Process(S_Alg_Context* context) override;
-    void AddInputChangeForProcessing(int index, double value) override;
-    void AddInputChangeForGUI(int index, double value) override;
-    void QuitGUI() override;
-    // Serves the editor's run loop (Linux) from the host's timer.
-    int32_t TimerWakeup() override;
-    void CreateGUI(AAX_IViewContainer* container) override;
-    void GetViewSize(float& outWidth, float& outHeight) override;
-    bool GetState(unsigned int* outSize, void* outpData) override;
-    bool SetState(unsigned int inSize, void* inpData) override;
-
-    // Real-time thread: the MIDI packets of one slice [start, start + frames)
-    // of the buffer, rebased to the slice, become events and changes; the
-    // last slice also takes late stamps.
-    void PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
-                         Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes);
 
     // For diagnostics and tests: null before Init and after Quit.
     CVST3Loader* GetLoader() const { return mVst3Loader; }
     const Steinberg::PClassInfo& GetClassInfo() const { return mClassInfo; }
 
 private:
-    // Linux: the X11 path of CreateGUI.
-    void AttachX11(AAX_IViewContainer* container, void* parent);
+    // Loading (CFakeHostVST3.cpp).
+    bool DoInit() override;
+    void DoSetup() override;
+    void DoQuit() override;
+    std::string DoGetLoadError() const override { return mLoadError; }
+    void DoApplyPendingSettings() override;
+    std::string DoGetPluginVendor() override;
+    std::string DoGetPluginVersion() override;
+    int32_t DoGetPluginProductUniqueID() override { return 0; }
     void ChooseAudioClass();
+    // Parameters (CFakeHostVST3Parameters.cpp).
+    int DoGetParameterCount() override;
+    SParameterInfo DoGetParameterInfo(int index) override;
+    std::optional<double> DoGetParameterValue(int index) override;
+    void DoAddInputChangeForProcessing(int index, double value) override;
+    void DoAddInputChangeForGUI(int index, double value) override;
     void ReadParameterIds();
     Steinberg::Vst::ParamID ParamIdOf(int index) const;
-    void ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice);
-    void FillProcessContext(S_Alg_Context* context, int32_t start);
-    void ForwardOutputEvents(S_Alg_Context* context, int32_t start);
+    // State (CFakeHostVST3State.cpp).
+    SPluginState DoGetState() override;
+    bool DoSetState(const void* data, uint32_t size) override;
+    // Editor (CFakeHostVST3Editor.cpp).
+    void DoQuitGUI() override;
+    void DoCreateGUI(AAX_IViewContainer* container) override;
+    SViewSize DoGetViewSize() override;
+    // Serves the editor's run loop (Linux) from the host's timer.
+    int32_t DoTimerWakeup() override;
+    // Linux: the X11 path of CreateGUI.
+    void AttachX11(AAX_IViewContainer* container, void* parent);
+    // Processing (CFakeHostVST3Process.cpp).
+    void DoProcess(const CProcessBlock& block) override;
+    void ProcessSlice(const CProcessBlock& slice);
+    void FillProcessContext(const CProcessBlock& slice);
+    void ForwardOutputEvents(const CProcessBlock& slice);
+    // The MIDI packets of one slice become events and parameter changes.
+    void PushSliceEvents(const CProcessBlock& slice, Morvane::vst3::EventList* events,
+                         Morvane::vst3::ParameterChanges& changes);
     // A MIDI message that drives a parameter (controller, program change,
     // after-touch, pitch bend), as the parameter and its normalised value.
     struct SMidiValue {
@@ -85,9 +78,10 @@ private:
         double value = 0.0;
         bool logPoint = false;
     };
-    bool MidiParameterValue(const AAX_CMidiPacket& packet, SMidiValue& out);
+    bool MidiParameterValue(const AAX_CMidiPacket& packet, bool logMidi, SMidiValue& out);
     bool ProgramChangeValue(int channel, uint8_t program, SMidiValue& out);
-    void SendMidiValue(const SMidiValue& point, uint32_t timestamp, Morvane::vst3::ParameterChanges& changes);
+    void SendMidiValue(const SMidiValue& point, uint32_t timestamp, bool logMidi,
+                       Morvane::vst3::ParameterChanges& changes);
 
     std::unique_ptr<Morvane::SharedObject> mModule;
     Steinberg::IPluginFactory* mFactory = nullptr;
@@ -105,7 +99,4 @@ private:
     std::vector<bool> mParamHidden;
     // STANDARD: a rate processing saw that the processor is not set up for.
     std::atomic<double> mPendingRate{0.0};
-    // Channel pointers of one slice of a longer buffer.
-    float* mSliceInputs[kAlgBypassChannels] = {};
-    float* mSliceOutputs[2 + 2 * kNumOutputStems] = {};
 };

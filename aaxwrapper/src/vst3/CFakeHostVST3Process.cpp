@@ -1,5 +1,6 @@
-// The real-time path: transport into the process context, MIDI into events
-// and parameter changes, AAX channels into the VST 3 buses, one process call.
+// The real-time side of the VST 3 fake host: the process block's transport
+// into the process context, its MIDI into events and parameter changes, its
+// channels into the VST 3 buses, one process call per slice.
 #include "vst3/CFakeHostVST3.h"
 
 #include <algorithm>
@@ -9,10 +10,9 @@
 
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
-#include "S_Alg_Context.h"
 #include "fakehost/OutputSilence.h"
-#include "fakehost/PostedMidi.h"
 #include "ThreadRole.h"
+#include "CSingleton.h"
 #include "logger/CLog.h"
 #include "vst3/CVST3Loader.h"
 
@@ -24,100 +24,73 @@ constexpr float kOneOver127 = 1.0f / 127.0f;
 constexpr double kOneOver16383 = 1.0 / 16383.0;
 }  // namespace
 
-void CFakeHostVST3::Process(S_Alg_Context* context)
+void CFakeHostVST3::DoProcess(const CProcessBlock& block)
 {
-    MV_REAL_TIME("CFakeHostVST3::Process");
-    if (!mVst3Loader || !context)
+    if (!mVst3Loader)
         return;
     CVST3Loader& loader = *mVst3Loader;
     const bool standard = IsStandard();
     if (standard && !loader.gate().TryEnter()) {
-        SilenceAllOutputs(*context);
+        SilenceAllOutputs(block);
         return;
     }
     Morvane::CProcessGateLeave leave(standard ? &loader.gate() : nullptr);  // also when the plug-in throws
-    if (standard && context->mSampleRate) {
-        const double rate = static_cast<double>(*context->mSampleRate);
+    if (standard && block.HasContextRate()) {
+        const double rate = block.ContextRate();
         if (rate > 0.0 && rate != loader.getSampleRate())
             mPendingRate.store(rate);
     }
     // Never more samples per call than the processor was promised: longer
     // host buffers go through in slices.
-    const int32_t frames = context->mBufferLength ? *context->mBufferLength : 0;
-    const int32_t maxBlock = loader.getMaxBlock();
-    if (frames <= maxBlock) {
-        ProcessSlice(context, 0, frames, true);
-    } else {
-        for (int32_t start = 0; start < frames; start += maxBlock) {
-            const int32_t length = std::min(maxBlock, frames - start);
-            ProcessSlice(context, start, length, start + length >= frames);
-        }
-    }
+    ForEachSlice(block, loader.getMaxBlock(), [this](const CProcessBlock& slice) { ProcessSlice(slice); });
 }
 
-void CFakeHostVST3::ProcessSlice(S_Alg_Context* context, int32_t start, int32_t frames, bool lastSlice)
+void CFakeHostVST3::ProcessSlice(const CProcessBlock& slice)
 {
     CVST3Loader& loader = *mVst3Loader;
-    FillProcessContext(context, start);
-    const AAX_CMidiStream* midi = PostedMidi(*context);
-    if (midi)
-        PushSliceEvents(*midi, start, frames, lastSlice, loader.getInputEvents(), loader.getInputChanges());
-    if (start == 0 && lastSlice) {
-        loader.setProcessingBuffers(context->mInputs, context->mOutputs);
-    } else {
-        for (int c = 0; c < kAlgBypassChannels; ++c)
-            mSliceInputs[c] = context->mInputs && context->mInputs[c] ? context->mInputs[c] + start : nullptr;
-        for (int c = 0; c < 2 + 2 * kNumOutputStems; ++c)
-            mSliceOutputs[c] = context->mOutputs && context->mOutputs[c] ? context->mOutputs[c] + start : nullptr;
-        loader.setProcessingBuffers(context->mInputs ? mSliceInputs : nullptr,
-                                    context->mOutputs ? mSliceOutputs : nullptr);
-    }
-    loader.doProcess(frames);
+    FillProcessContext(slice);
+    if (slice.HasMidi())
+        PushSliceEvents(slice, loader.getInputEvents(), loader.getInputChanges());
+    loader.setProcessingBuffers(slice.Inputs(), slice.Outputs());
+    loader.doProcess(slice.Frames());
     if (IsStandard())
-        ForwardOutputEvents(context, start);
+        ForwardOutputEvents(slice);
 }
 
-void CFakeHostVST3::FillProcessContext(S_Alg_Context* context, int32_t start)
+void CFakeHostVST3::FillProcessContext(const CProcessBlock& slice)
 {
     ProcessContext* pc = mVst3Loader->getProcessData().processContext;
     if (!pc)
         return;
     pc->state = ProcessContext::kProjectTimeMusicValid | ProcessContext::kTempoValid | ProcessContext::kTimeSigValid;
-    if (context->mSampleRate)
-        pc->sampleRate = IsStandard() ? mVst3Loader->getSampleRate() : static_cast<double>(*context->mSampleRate);
-    AAX_ITransport* transport = context->mMidiTransport ? context->mMidiTransport->GetTransport() : nullptr;
-    if (!transport)
+    if (slice.HasContextRate())
+        pc->sampleRate = IsStandard() ? mVst3Loader->getSampleRate() : slice.ContextRate();
+    const STransportSnapshot& transport = slice.Transport();
+    if (!transport.present)
         return;
-    double tempo = 0.0;
-    if (transport->GetCurrentTempo(&tempo) == AAX_SUCCESS)
-        pc->tempo = tempo;
-    int32_t numerator = 0;
-    int32_t denominator = 0;
-    if (transport->GetCurrentMeter(&numerator, &denominator) == AAX_SUCCESS) {
-        pc->timeSigNumerator = numerator;
-        pc->timeSigDenominator = denominator;
+    // Only what the host answered replaces the last values.
+    if (transport.hasTempo)
+        pc->tempo = transport.tempo;
+    if (transport.hasMeter) {
+        pc->timeSigNumerator = transport.numerator;
+        pc->timeSigDenominator = transport.denominator;
     }
-    int64_t ticks = 0;
-    if (transport->GetCurrentTickPosition(&ticks) == AAX_SUCCESS) {
-        pc->projectTimeMusic = static_cast<double>(ticks) / static_cast<double>(kAAX_TicksPerQuarter);
-        if (start > 0 && pc->sampleRate > 0.0)
-            pc->projectTimeMusic += static_cast<double>(start) / pc->sampleRate * pc->tempo / 60.0;
-    }
-    int64_t samplePosition = 0;
-    if (transport->GetCurrentNativeSampleLocation(&samplePosition) == AAX_SUCCESS)
-        pc->projectTimeSamples = samplePosition + start;
-    bool playing = false;
-    if (transport->IsTransportPlaying(&playing) == AAX_SUCCESS && playing)
+    if (transport.hasTicks)
+        pc->projectTimeMusic = slice.QuarterNotes(pc->sampleRate);
+    if (transport.hasSamplePosition)
+        pc->projectTimeSamples = slice.SamplePosition();
+    if (transport.hasPlaying && transport.playing)
         pc->state |= ProcessContext::kPlaying;
 }
 
 // STANDARD: notes the processor sends out become AAX MIDI output packets.
-void CFakeHostVST3::ForwardOutputEvents(S_Alg_Context* context, int32_t start)
+void CFakeHostVST3::ForwardOutputEvents(const CProcessBlock& slice)
 {
     Morvane::vst3::EventList* events = mVst3Loader->getOutputEvents();
     if (!events)
         return;
-    AAX_IMIDINode* out = context->mMidiOut;
+    const int32_t start = slice.Start();
+    AAX_IMIDINode* out = slice.MidiOut();
     const int32 count = out ? events->getEventCount() : 0;
     for (int32 i = 0; i < count; ++i) {
         Event event{};
@@ -152,7 +125,7 @@ namespace {
 
 // The VST 3 event of a note-on, note-off or poly-pressure message, at
 // `offset` in the slice; false for every other message.
-bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
+bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, bool logMidi, Event& event)
 {
     const uint8_t status = packet.mData[0] & 0xF0;
     const int16 channel = static_cast<int16>(packet.mData[0] & 0x0F);
@@ -165,7 +138,8 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
     event.flags = packet.mIsImmediate ? Event::kIsLive : 0;
     switch (status) {
     case 0x90:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOn - pitch:", static_cast<int>(data1));
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOn - pitch:", static_cast<int>(data1));
         event.type = Event::kNoteOnEvent;
         event.noteOn.channel = channel;
         event.noteOn.pitch = data1;
@@ -175,7 +149,8 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
         event.noteOn.noteId = -1;
         return true;
     case 0x80:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOff - pitch:", static_cast<int>(data1));
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kNoteOff - pitch:", static_cast<int>(data1));
         event.type = Event::kNoteOffEvent;
         event.noteOff.channel = channel;
         event.noteOff.pitch = data1;
@@ -184,7 +159,8 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
         event.noteOff.tuning = 0.0f;
         return true;
     case 0xA0:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPolyPressure");
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPolyPressure");
         event.type = Event::kPolyPressureEvent;
         event.polyPressure.channel = channel;
         event.polyPressure.pitch = data1 & 0x7F;
@@ -198,35 +174,30 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, Event& event)
 
 }  // namespace
 
-void CFakeHostVST3::PushSliceEvents(const AAX_CMidiStream& stream, int32_t start, int32_t frames, bool lastSlice,
-                                    Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes)
+void CFakeHostVST3::PushSliceEvents(const CProcessBlock& slice, Morvane::vst3::EventList* events,
+                                    Morvane::vst3::ParameterChanges& changes)
 {
-    if (!stream.mBuffer || stream.mBufferSize == 0 || !mVst3Loader)
-        return;
-    // One slice for the whole buffer (the usual case): every stamp is in it.
-    const bool wholeBuffer = start == 0 && lastSlice;
-    const AAX_CMidiPacket* const end = stream.mBuffer + stream.mBufferSize;
-    for (const AAX_CMidiPacket* packet = stream.mBuffer; packet < end; ++packet) {
-        const int64_t offset = static_cast<int64_t>(packet->mTimestamp) - start;
-        if (!wholeBuffer && (offset < 0 || (offset >= frames && !lastSlice)))
-            continue;
+    // The midi category's debug lines, tested once per block rather than per
+    // event: what is recorded is the same.
+    const bool logMidi = CSingleton<CLog>::getInstance()->isRecorded("midi", kLogDebug);
+    slice.ForEachPacket([&](const AAX_CMidiPacket& packet, int32_t offset) {
         // Notes are written straight into the list's next record. Without an
         // event input bus, or with the list full, there is nowhere to put them.
         Event spare;
         Event* slot = events ? events->append() : nullptr;
-        if (NoteEventOf(*packet, static_cast<int32>(offset), slot ? *slot : spare))
-            continue;
+        if (NoteEventOf(packet, static_cast<int32>(offset), logMidi, slot ? *slot : spare))
+            return;
         if (slot)
             events->dropLast();
-        AAX_CMidiPacket rebased = *packet;
+        AAX_CMidiPacket rebased = packet;
         rebased.mTimestamp = static_cast<uint32_t>(offset);
         SMidiValue point;
-        if (MidiParameterValue(rebased, point))
-            SendMidiValue(point, rebased.mTimestamp, changes);
-    }
+        if (MidiParameterValue(rebased, logMidi, point))
+            SendMidiValue(point, rebased.mTimestamp, logMidi, changes);
+    });
 }
 
-bool CFakeHostVST3::MidiParameterValue(const AAX_CMidiPacket& packet, SMidiValue& out)
+bool CFakeHostVST3::MidiParameterValue(const AAX_CMidiPacket& packet, bool logMidi, SMidiValue& out)
 {
     CVST3Loader& loader = *mVst3Loader;
     const CVST3Loader::MidiControllerTable* table = loader.getMidiControllerTable();
@@ -253,17 +224,20 @@ bool CFakeHostVST3::MidiParameterValue(const AAX_CMidiPacket& packet, SMidiValue
         out.logPoint = true;  // only controller messages report their point
         return true;
     case 0xC0:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kProgramChangeStatus");
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kProgramChangeStatus");
         return ProgramChangeValue(channel, data1, out);
     case 0xD0:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kAfterTouchStatus");
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kAfterTouchStatus");
         if (!table)
             return false;
         out.parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kAfterTouchEntry];
         out.value = (data1 & 0x7F) * static_cast<double>(kOneOver127);
         return out.parameter != -1;
     case 0xE0:
-        MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPitchBendStatus");
+        if (logMidi)
+            MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kPitchBendStatus");
         if (!table)
             return false;
         out.parameter = (*table)[static_cast<size_t>(channel)][CVST3Loader::kPitchBendEntry];
@@ -300,14 +274,15 @@ bool CFakeHostVST3::ProgramChangeValue(int channel, uint8_t program, SMidiValue&
     return true;
 }
 
-void CFakeHostVST3::SendMidiValue(const SMidiValue& point, uint32_t timestamp, Morvane::vst3::ParameterChanges& changes)
+void CFakeHostVST3::SendMidiValue(const SMidiValue& point, uint32_t timestamp, bool logMidi,
+                                  Morvane::vst3::ParameterChanges& changes)
 {
     // Straight into this block's input changes rather than through the main
     // thread's transfer queues, whose single writer is the main thread: the
     // processor sees the point in the same block.
     int32 queueIndex = 0;
     if (IParamValueQueue* queue = changes.addParameterData(static_cast<ParamID>(point.parameter), queueIndex)) {
-        if (point.logPoint)
+        if (point.logPoint && logMidi)
             MV_LOG("midi", kLogDebug, "CHandleMidi::PushInputMidiEvents kController AddPoint index ", queueIndex,
                    " - value ", point.value, " timestamp ", timestamp);
         int32 pointIndex = 0;

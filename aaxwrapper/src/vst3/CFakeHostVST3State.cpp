@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "public.sdk/source/common/memorystream.h"
 #include "vst3/CVST3Loader.h"
@@ -15,7 +14,7 @@ using namespace Steinberg;
 using namespace Steinberg::Vst;
 
 namespace {
-// Reported on top of the two states; the caller sizes the chunk with it.
+// Saved on top of the two states (zeros), as this host always has.
 constexpr unsigned int kStateSizeSlack = 60;
 constexpr size_t kLengthFieldSize = sizeof(uint32_t);
 
@@ -26,16 +25,16 @@ uint32_t streamSize(MemoryStream& stream)
 }
 }  // namespace
 
-bool CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
+SPluginState CFakeHostVST3::DoGetState()
 {
-    MV_MAIN_THREAD("CFakeHostVST3::GetState");
-    MV_LOG("fakehost", kLogDebug, "GetState ", outpData);
+    MV_LOG("fakehost", kLogDebug, "GetState");
+    SPluginState state;
     IComponent* component = mVst3Loader ? mVst3Loader->getComponent() : nullptr;
     IEditController* controller = mVst3Loader ? mVst3Loader->getController() : nullptr;
     if (!component || !controller) {
-        if (outSize)
-            *outSize = kStateSizeSlack;
-        return false;
+        // Saved anyway, as a block of the size this host always reported.
+        state.bytes.assign(kStateSizeSlack, 0);
+        return state;
     }
 
     MemoryStream componentStream;
@@ -47,31 +46,28 @@ bool CFakeHostVST3::GetState(unsigned int* outSize, void* outpData)
     }
     const uint32_t componentSize = streamSize(componentStream);
     const uint32_t controllerSize = streamSize(controllerStream);
-
     const uint64_t needed = uint64_t{componentSize} + controllerSize + kStateSizeSlack;
-    if (outpData && outSize && needed > *outSize) {
-        MV_LOG("fakehost", kLogWarning, "GetState: the state needs ", needed, " bytes, the block has ", *outSize);
-        *outSize = static_cast<unsigned int>(needed);
-        return false;
+    // AAX chunk sizes are 32-bit signed; a larger state cannot be saved.
+    if (needed > INT32_MAX) {
+        MV_LOG("fakehost", kLogError, "GetState: a state of ", needed, " bytes is too large to save");
+        state.bytes.assign(kStateSizeSlack, 0);
+        return state;
     }
-    if (outpData) {
-        auto* out = static_cast<unsigned char*>(outpData);
-        std::memcpy(out, &componentSize, kLengthFieldSize);
-        if (componentSize)
-            std::memcpy(out + kLengthFieldSize, componentStream.getData(), componentSize);
-        std::memcpy(out + kLengthFieldSize + componentSize, &controllerSize, kLengthFieldSize);
-        if (controllerSize)
-            std::memcpy(out + 2 * kLengthFieldSize + componentSize, controllerStream.getData(), controllerSize);
-    }
-    if (outSize)
-        *outSize = componentSize + controllerSize + kStateSizeSlack;
+    state.bytes.assign(static_cast<size_t>(needed), 0);
+    char* out = state.bytes.data();
+    std::memcpy(out, &componentSize, kLengthFieldSize);
+    if (componentSize)
+        std::memcpy(out + kLengthFieldSize, componentStream.getData(), componentSize);
+    std::memcpy(out + kLengthFieldSize + componentSize, &controllerSize, kLengthFieldSize);
+    if (controllerSize)
+        std::memcpy(out + 2 * kLengthFieldSize + componentSize, controllerStream.getData(), controllerSize);
+    state.gave = true;
     MV_LOG("fakehost", kLogDebug, "GetState ", "controller_size ", controllerSize, " component_size ", componentSize);
-    return true;
+    return state;
 }
 
-bool CFakeHostVST3::SetState(unsigned int inSize, void* inpData)
+bool CFakeHostVST3::DoSetState(const void* inpData, uint32_t inSize)
 {
-    MV_MAIN_THREAD("CFakeHostVST3::SetState");
     MV_LOG("fakehost", kLogDebug, "SetState ", "inSize ", inSize, " inpData ", inpData);
     IComponent* component = mVst3Loader ? mVst3Loader->getComponent() : nullptr;
     IEditController* controller = mVst3Loader ? mVst3Loader->getController() : nullptr;

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <vector>
 
-#include "AAX_CEffectParameters.h"
-#include "AAX_IController.h"
 #include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "public.sdk/source/vst/hosting/hostclasses.h"
@@ -45,9 +43,8 @@ bool sameObject(FUnknown* a, FUnknown* b)
 
 }  // namespace
 
-CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner, EHostMode mode)
-    : mOwner(owner),
-      mFactory(factory),
+CVST3Loader::CVST3Loader(IPluginFactory* factory, const char* classId, EHostMode mode)
+    : mFactory(factory),
       mStandard(mode == EHostMode::kStandard),
       mMaxBlock(mode == EHostMode::kStandard ? kStandardMaxBlock : kMaxBlockSize)
 {
@@ -323,18 +320,16 @@ void CVST3Loader::initMidiCtrlerAssignment()
     }
 }
 
-bool CVST3Loader::setupProcessing()
+bool CVST3Loader::setupProcessing(double hostSampleRate)
 {
     if (!mProcessor)
         return false;
-    AAX_CSampleRate sampleRate = 44100.0f;
-    if (AAX_IController* controller = mOwner.Controller()) {
-        controller->GetSampleRate(&sampleRate);
-    } else {
+    double sampleRate = hostSampleRate;
+    if (!(sampleRate > 0.0)) {
         MV_LOG_AT("warning", kLogNotice, "setupProcessing", "No AAX controller - Setup hard-coded to 44100");
-        sampleRate = 44100.0f;
+        sampleRate = 44100.0;
     }
-    return configureProcessing(static_cast<SampleRate>(sampleRate));
+    return configureProcessing(sampleRate);
 }
 
 bool CVST3Loader::configureProcessing(double sampleRate)

@@ -28,8 +28,6 @@
 #include "vst3/hosting/ParameterChanges.h"
 #include "vst3/hosting/Timer.h"
 
-class AAX_CEffectParameters;
-
 class CVST3Loader : public Steinberg::Vst::IHostApplication,
                     public Steinberg::Vst::IComponentHandler,
                     public Steinberg::Vst::IUnitHandler,
@@ -48,8 +46,7 @@ public:
     static constexpr Steinberg::int32 kContextOutputs = 34;
     using MidiControllerTable = std::array<std::array<Steinberg::int32, kMidiControllerEntries>, kMidiChannels>;
 
-    CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, AAX_CEffectParameters& owner,
-                EHostMode mode = EHostMode::kClassic);
+    CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, EHostMode mode = EHostMode::kClassic);
     virtual ~CVST3Loader();
 
     CVST3Loader(const CVST3Loader&) = delete;
@@ -59,11 +56,12 @@ public:
     void setupParameters();
     void setupBuses();
     void initMidiCtrlerAssignment();
-    bool setupProcessing();
+    // CLASSIC: set up at the AAX host's rate (44100 when it gave none).
+    bool setupProcessing(double hostSampleRate);
     // STANDARD, main thread: set up at this rate and switch the component on;
     // again (switched off meanwhile, processing held off) on a rate change.
     bool activate(double sampleRate);
-    // STANDARD: told of the plug-in's own edits before the AAX host is.
+    // The AAX side, told of the plug-in's own edits.
     void setEditListener(IPluginEditListener* listener) { mEditListener = listener; }
     // Why the pair could not be made; empty when it was.
     const std::string& getLoadError() const { return mLoadError; }
@@ -147,7 +145,6 @@ private:
     void makeScratchChannels();
     float* scratchChannel(Steinberg::Vst::BusDirection direction, Steinberg::int32 channel);
 
-    AAX_CEffectParameters& mOwner;
     Steinberg::IPluginFactory* mFactory = nullptr;
     Steinberg::Vst::IAudioProcessor* mProcessor = nullptr;
     Steinberg::Vst::IComponent* mComponent = nullptr;

@@ -3,27 +3,16 @@
 // step with the processor and the host.
 #include "vst3/CVST3Loader.h"
 
-#include <cstdio>
-
-#include "AAX_CEffectParameters.h"
 #include "ThreadRole.h"
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 
-namespace {
-struct ParamIdText {
-    // Unsigned, as the front end spells parameter tags; the same text as "%d"
-    // for every identifier below 2^31.
-    explicit ParamIdText(ParamID id) { std::snprintf(text, sizeof(text), "%u", static_cast<unsigned>(id)); }
-    char text[32];
-};
-}  // namespace
-
 tresult PLUGIN_API CVST3Loader::beginEdit(ParamID id)
 {
     MV_MAIN_THREAD("IComponentHandler::beginEdit");
-    mOwner.TouchParameter(ParamIdText(id).text);
+    if (mEditListener)
+        mEditListener->OnPluginBeginEdit(id);
     return kResultOk;
 }
 
@@ -31,17 +20,13 @@ tresult PLUGIN_API CVST3Loader::performEdit(ParamID id, ParamValue valueNormaliz
 {
     // Writes the transfer queues whose single writer is the main thread.
     MV_MAIN_THREAD("IComponentHandler::performEdit");
-    if (mStandard) {
-        // Once to the AAX host, whose echo the listener then recognises, and
-        // once to the processor; the controller already has its own value.
-        if (mEditListener)
-            mEditListener->OnPluginValue(id, valueNormalized);
-        mOwner.SetParameterNormalizedValue(ParamIdText(id).text, valueNormalized);
-        mHostToProcessor.addChange(id, valueNormalized, 0);
-        return kResultOk;
-    }
-    mOwner.SetParameterNormalizedValue(ParamIdText(id).text, valueNormalized);
-    mHostToController.addChange(id, valueNormalized, 0);
+    // Once to the AAX host, whose echo the listener recognises (STANDARD),
+    // and once to the processor. STANDARD's controller already has its own
+    // value; CLASSIC sends it back to the controller too.
+    if (mEditListener)
+        mEditListener->OnPluginEdit(id, valueNormalized);
+    if (!mStandard)
+        mHostToController.addChange(id, valueNormalized, 0);
     mHostToProcessor.addChange(id, valueNormalized, 0);
     return kResultOk;
 }
@@ -49,7 +34,8 @@ tresult PLUGIN_API CVST3Loader::performEdit(ParamID id, ParamValue valueNormaliz
 tresult PLUGIN_API CVST3Loader::endEdit(ParamID id)
 {
     MV_MAIN_THREAD("IComponentHandler::endEdit");
-    mOwner.ReleaseParameter(ParamIdText(id).text);
+    if (mEditListener)
+        mEditListener->OnPluginEndEdit(id);
     return kResultOk;
 }
 
@@ -100,14 +86,8 @@ void CVST3Loader::rereadParameterValues()
         ParameterInfo info{};
         if (mController->getParameterInfo(i, info) != kResultOk || (info.flags & ParameterInfo::kIsHidden))
             continue;
-        const double value = mController->getParamNormalized(info.id);
-        const ParamIdText id(info.id);
-        double current = 0.0;
-        if (mOwner.GetParameterNormalizedValue(id.text, &current) != 0 || current == value)
-            continue;
         if (mEditListener)
-            mEditListener->OnPluginValue(info.id, value);
-        mOwner.SetParameterNormalizedValue(id.text, value);
+            mEditListener->OnPluginValueMoved(info.id, mController->getParamNormalized(info.id));
     }
 }
 

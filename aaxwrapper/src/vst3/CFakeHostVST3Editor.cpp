@@ -1,8 +1,8 @@
-// The plug-in's editor inside the window the AAX host provides.
+// Editor hosting of the VST 3 fake host: the plug-in's view inside the
+// window the AAX host provides.
 #include "vst3/CFakeHostVST3.h"
 
 #include "AAX_IViewContainer.h"
-#include "ThreadRole.h"
 #include "logger/CLog.h"
 #include "vst3/CPlugFrame.h"
 #include "vst3/CVST3Loader.h"
@@ -10,9 +10,8 @@
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 
-void CFakeHostVST3::CreateGUI(AAX_IViewContainer* container)
+void CFakeHostVST3::DoCreateGUI(AAX_IViewContainer* container)
 {
-    MV_MAIN_THREAD("CFakeHostVST3::CreateGUI");
     if (!container)
         return;
     FIDString platformType = nullptr;
@@ -87,17 +86,15 @@ void CFakeHostVST3::AttachX11(AAX_IViewContainer* container, void* parent)
         MV_LOG_AT("gui", kLogError, "CreateGUI", "The editor refused to attach to the X11 window");
 }
 
-int32_t CFakeHostVST3::TimerWakeup()
+int32_t CFakeHostVST3::DoTimerWakeup()
 {
-    MV_MAIN_THREAD("CFakeHostVST3::TimerWakeup");
     if (mPlugFrame)
         mPlugFrame->ServiceRunLoop();
     return 0;
 }
 
-void CFakeHostVST3::QuitGUI()
+void CFakeHostVST3::DoQuitGUI()
 {
-    MV_MAIN_THREAD("CFakeHostVST3::QuitGUI");
     if (!mView)
         return;
     IPlugView* view = mView;
@@ -111,13 +108,15 @@ void CFakeHostVST3::QuitGUI()
     MV_COND_ASSERT("fakehost", ret == 0, "ret == 0", " mView not released");
 }
 
-void CFakeHostVST3::GetViewSize(float& outWidth, float& outHeight)
+SViewSize CFakeHostVST3::DoGetViewSize()
 {
-    MV_MAIN_THREAD("CFakeHostVST3::GetViewSize");
+    SViewSize size;
     if (!mView)
-        return;
+        return size;
     ViewRect rect(0, 0, 0, 0);
     mView->getSize(&rect);
-    outWidth = static_cast<float>(rect.right - rect.left);
-    outHeight = static_cast<float>(rect.bottom - rect.top);
+    size.known = true;
+    size.width = static_cast<float>(rect.right - rect.left);
+    size.height = static_cast<float>(rect.bottom - rect.top);
+    return size;
 }

@@ -1,0 +1,41 @@
+// What the fake-host contract answers, as values: the same record for every
+// format, so that the front end never interprets a back end's conventions.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// One parameter as the plug-in describes it.
+struct SParameterInfo {
+    // False when the plug-in could not describe it (out of range, no answer).
+    bool valid = false;
+    // The number the AAX identifier is made of: the index, or the plug-in's
+    // own parameter ID where the format has stable ones (STANDARD).
+    uint32_t tag = 0;
+    std::string name;
+    // Normalised 0..1. VST 2 has no defaults: its default is the value the
+    // plug-in holds when asked (defaultIsPresentValue says so).
+    double defaultValue = 0.0;
+    bool defaultIsPresentValue = false;
+    // Whether it becomes an AAX parameter (hidden ones do not).
+    bool published = true;
+    // Whether the plug-in lets a host set it (not read-only, not hidden).
+    bool automatable = true;
+    // Discrete values the plug-in declares less one; 0: continuous.
+    int32_t steps = 0;
+};
+
+// The plug-in's whole state as the wrapper saves it.
+struct SPluginState {
+    // False when the plug-in gave none; `bytes` is then what is saved anyway.
+    bool gave = false;
+    std::vector<char> bytes;
+};
+
+// The editor's size in pixels; `known` false when the plug-in gave none.
+struct SViewSize {
+    bool known = false;
+    float width = 0.0f;
+    float height = 0.0f;
+};
