@@ -155,9 +155,3 @@ void IFakeHost::ApplyPendingSettings()
     MV_CONTRACT("ApplyPendingSettings");
     Guarded("ApplyPendingSettings", [&] { DoApplyPendingSettings(); });
 }
-
-void IFakeHost::Process(const CProcessBlock& block)
-{
-    MV_REAL_TIME("IFakeHost::Process");
-    DoProcess(block);
-}

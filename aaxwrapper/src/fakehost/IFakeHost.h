@@ -17,6 +17,7 @@
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
 #include "fakehost/ProcessBlock.h"
+#include "ThreadRole.h"
 
 class AAX_IViewContainer;
 
@@ -71,7 +72,11 @@ public:
     // One buffer, as the front end read it from the AAX context. A failure
     // here is not caught: the real-time callback ends the buffer for every
     // instance (its catch formats a line only on that path).
-    void Process(const CProcessBlock& block);
+    void Process(const CProcessBlock& block)
+    {
+        MV_REAL_TIME("IFakeHost::Process");
+        DoProcess(block);
+    }
 
     EHostMode GetHostMode() const { return mHostMode; }
     // Who hears of the plug-in's own edits (set before Init).

@@ -3,18 +3,9 @@
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
 
-CProcessBlock::CProcessBlock(const S_Alg_Context& context)
-    : mFrames(context.mBufferLength != nullptr && *context.mBufferLength > 0 ? *context.mBufferLength : 0),
-      mHasRate(context.mSampleRate != nullptr),
-      mRate(context.mSampleRate != nullptr ? static_cast<double>(*context.mSampleRate) : 0.0),
-      mInputs(context.mInputs),
-      mOutputs(context.mOutputs),
-      mMidiOut(context.mMidiOut),
-      mTransportSource(context.mMidiTransport != nullptr ? context.mMidiTransport->GetTransport() : nullptr)
+void CProcessBlock::ReadMidiIn(AAX_IMIDINode& node)
 {
-    if (context.mMidiIn == nullptr)
-        return;
-    const AAX_CMidiStream* stream = context.mMidiIn->GetNodeBuffer();
+    const AAX_CMidiStream* stream = node.GetNodeBuffer();
     if (stream != nullptr && stream->mBuffer != nullptr && stream->mBufferSize != 0) {
         mMidiBegin = stream->mBuffer;
         mMidiEnd = stream->mBuffer + stream->mBufferSize;
@@ -28,7 +19,8 @@ const STransportSnapshot& CProcessBlock::Transport() const
         return whole.mTransport;
     whole.mTransportRead = true;
     STransportSnapshot& t = whole.mTransport;
-    AAX_ITransport* source = whole.mTransportSource;
+    t = STransportSnapshot{};
+    AAX_ITransport* source = whole.mTransportNode != nullptr ? whole.mTransportNode->GetTransport() : nullptr;
     if (source == nullptr)
         return t;
     t.present = true;

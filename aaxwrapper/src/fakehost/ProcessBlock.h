@@ -14,20 +14,22 @@ class AAX_IMIDINode;
 class AAX_ITransport;
 
 // The transport as the AAX host reported it for this buffer. A value whose
-// call failed stays 0 and its flag false.
+// call failed is 0 and its flag false. Filled whole by
+// CProcessBlock::Transport(); left unset until then, so that a buffer whose
+// plug-in never asks costs nothing.
 struct STransportSnapshot {
-    bool present = false;  // there was a transport to ask
-    bool hasTempo = false;
-    bool hasMeter = false;
-    bool hasTicks = false;
-    bool hasSamplePosition = false;
-    bool hasPlaying = false;
-    double tempo = 0.0;
-    int32_t numerator = 0;
-    int32_t denominator = 0;
-    int64_t ticks = 0;
-    int64_t samplePosition = 0;
-    bool playing = false;
+    bool present;  // there was a transport to ask
+    bool hasTempo;
+    bool hasMeter;
+    bool hasTicks;
+    bool hasSamplePosition;
+    bool hasPlaying;
+    double tempo;
+    int32_t numerator;
+    int32_t denominator;
+    int64_t ticks;
+    int64_t samplePosition;
+    bool playing;
 };
 
 // Channels every context record carries: inputs, and main pair plus stems.
@@ -36,8 +38,20 @@ constexpr int kBlockOutputChannels = 2 + 2 * kNumOutputStems;
 
 class CProcessBlock {
 public:
-    // The whole buffer of one context record.
-    explicit CProcessBlock(const S_Alg_Context& context);
+    // The whole buffer of one context record. Inline: it runs once per
+    // buffer and instance.
+    explicit CProcessBlock(const S_Alg_Context& context)
+        : mFrames(context.mBufferLength != nullptr && *context.mBufferLength > 0 ? *context.mBufferLength : 0),
+          mHasRate(context.mSampleRate != nullptr),
+          mRate(context.mSampleRate != nullptr ? static_cast<double>(*context.mSampleRate) : 0.0),
+          mInputs(context.mInputs),
+          mOutputs(context.mOutputs),
+          mMidiOut(context.mMidiOut),
+          mTransportNode(context.mMidiTransport)
+    {
+        if (context.mMidiIn != nullptr)
+            ReadMidiIn(*context.mMidiIn);
+    }
 
     int32_t Frames() const { return mFrames; }
     // The context's sample rate; false when it carries none.
@@ -90,6 +104,7 @@ public:
 
 private:
     CProcessBlock() = default;
+    void ReadMidiIn(AAX_IMIDINode& node);
 
     int32_t mFrames = 0;
     bool mHasRate = false;
@@ -101,8 +116,8 @@ private:
     const AAX_CMidiPacket* mMidiEnd = nullptr;
     int32_t mStart = 0;
     bool mLastSlice = true;
-    AAX_ITransport* mTransportSource = nullptr;
-    // The whole buffer's snapshot; a slice points at its parent's.
+    AAX_IMIDINode* mTransportNode = nullptr;
+    // The whole buffer's snapshot; a slice reads its parent's.
     mutable STransportSnapshot mTransport;
     mutable bool mTransportRead = false;
     const CProcessBlock* mWhole = this;

@@ -50,14 +50,17 @@ inline void WriteEvent(VstMidiEvent* record, const AAX_CMidiPacket& packet, int3
     uint32_t bytes = 0;
     std::memcpy(&bytes, packet.mData, sizeof(bytes));
     bytes &= kKeep[packet.mLength < 4 ? packet.mLength : 4];
-    const uint64_t words[4] = {
-        kTypeAndSize,
+    const uint64_t timing =
         static_cast<uint32_t>(offset) |
-            (uint64_t{packet.mIsImmediate != 0 ? static_cast<uint32_t>(kVstMidiEventIsRealtime) : 0u} << 32),
-        0,
-        bytes,
-    };
-    std::memcpy(record, words, sizeof(words));
+        (uint64_t{packet.mIsImmediate != 0 ? static_cast<uint32_t>(kVstMidiEventIsRealtime) : 0u} << 32);
+    const uint64_t zero = 0;
+    const uint64_t data = bytes;
+    // Four stores straight into the record, no copy through the stack.
+    char* out = reinterpret_cast<char*>(record);
+    std::memcpy(out, &kTypeAndSize, 8);
+    std::memcpy(out + 8, &timing, 8);
+    std::memcpy(out + 16, &zero, 8);
+    std::memcpy(out + 24, &data, 8);
 }
 }  // namespace
 
