@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "AllocationCounter.h"
+#include "AllocationCount.h"
 #include "BenchRig.h"
 #include "BenchState.h"
 #include "PeakMemory.h"
@@ -80,6 +80,19 @@ double ClockOverheadSeconds()
     return overhead;
 }
 
+// BENCH_PROCESS_ALLOC_TRACE set: who allocated inside measured calls.
+bool gTraceAllocations = false;
+
+void PrintAllocationSources(std::FILE* out)
+{
+    for (const AAXHost::SAllocationSource& source : AAXHost::AllocationSources()) {
+        std::fprintf(out, "allocations inside measured calls: %llu by %s, first from:\n",
+                     static_cast<unsigned long long>(source.allocations), source.library.c_str());
+        for (const std::string& frame : source.firstStack)
+            std::fprintf(out, "  %s\n", frame.c_str());
+    }
+}
+
 bool UsesChord(ECase kind) { return kind != ECase::kIdle && kind != ECase::kBypass && kind != ECase::kSilence; }
 
 void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase kind, int blockSize)
@@ -97,19 +110,17 @@ void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase ki
 
     // Warm-up, counted apart: what the first buffers allocate is reported
     // but does not belong to the steady state.
-    SAllocationCount warmup;
+    uint64_t warmup = 0;
     const std::vector<AAX_CMidiPacket> chord = ChordOn(UsesChord(kind) ? kVoices : 0);
     const std::vector<AAX_CMidiPacket> none;
     for (int i = 0; i < kWarmupBuffers; ++i) {
         rig.Prepare(i == 0 ? chord : none);
-        CAllocationScope scope;
+        AAXHost::CAllocationScope scope;
         if (kind == ECase::kSilence)
             rig.ProcessWithoutWrapper();
         else
             rig.Process();
-        const SAllocationCount c = scope.Count();
-        warmup.news += c.news;
-        warmup.mallocs += c.mallocs;
+        warmup += scope.Allocations();
     }
     const float warmPeak = rig.MainPeak();
 
@@ -136,7 +147,8 @@ void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase ki
     const std::vector<AAX_CMidiPacket> restrikes =
         kind == ECase::kMidi16 ? Restrikes(16, kVoices, blockSize) : std::vector<AAX_CMidiPacket>();
     ClockOverheadSeconds();
-    SAllocationCount measured;
+    AAXHost::ResetAllocationCount();  // the sources named below are the measured calls'
+    uint64_t measured = 0;
     double seconds = 0.0, cpuSeconds = 0.0;
     int64_t buffers = 0;
     for (auto _ : state) {
@@ -149,7 +161,7 @@ void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase ki
         std::chrono::steady_clock::time_point start, stop;
         timespec cpuStart{}, cpuStop{};
         {
-            CAllocationScope scope;
+            AAXHost::CAllocationScope scope;
             clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuStart);
             start = std::chrono::steady_clock::now();
             if (kind == ECase::kSilence)
@@ -158,9 +170,7 @@ void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase ki
                 rig.Process();
             stop = std::chrono::steady_clock::now();
             clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuStop);
-            const SAllocationCount c = scope.Count();
-            measured.news += c.news;
-            measured.mallocs += c.mallocs;
+            measured += scope.Allocations();
         }
         const double elapsed = std::chrono::duration<double>(stop - start).count();
         state.SetIterationTime(elapsed);
@@ -180,9 +190,10 @@ void RunProcess(benchmark::State& state, const std::string& bundlePath, ECase ki
     state.counters["rtf_cpu"] = cpuPerBuffer > 0.0 ? (blockSize / cpuPerBuffer) / kSampleRate : 0.0;
     // How many times faster than real time the whole batch renders.
     state.counters["rtf"] = perBuffer > 0.0 ? (blockSize / perBuffer) / kSampleRate : 0.0;
-    state.counters["allocs_per_buffer"] = static_cast<double>(measured.news) / static_cast<double>(buffers);
-    state.counters["mallocs_per_buffer"] = static_cast<double>(measured.mallocs) / static_cast<double>(buffers);
-    state.counters["warmup_mallocs"] = static_cast<double>(warmup.mallocs);
+    state.counters["allocs_per_buffer"] = static_cast<double>(measured) / static_cast<double>(buffers);
+    state.counters["warmup_allocs"] = static_cast<double>(warmup);
+    if (measured > 0 && gTraceAllocations)
+        PrintAllocationSources(stderr);
     char label[64];
     std::snprintf(label, sizeof label, "main peak %.1f dBFS",
                   warmPeak > 0.0f ? 20.0 * std::log10(static_cast<double>(warmPeak)) : -INFINITY);
@@ -267,10 +278,9 @@ int main(int argc, char** argv)
     if (argc == 4 && std::strcmp(argv[1], kPeakMemoryFlag) == 0)
         return RunPeakMemoryChild(argv[2], std::atoi(argv[3]));
 
-    // BENCH_PROCESS_ALLOC_TRACE=N prints where the first N allocations made
-    // inside measured calls come from.
-    if (const char* trace = std::getenv("BENCH_PROCESS_ALLOC_TRACE"))
-        SetAllocationTraceLimit(std::atoi(trace));
+    // BENCH_PROCESS_ALLOC_TRACE=1 prints which library allocated inside
+    // measured calls, with the stack of its first allocation.
+    gTraceAllocations = std::getenv("BENCH_PROCESS_ALLOC_TRACE") != nullptr;
 
     std::vector<SBundleChoice> bundles{{"TavrionV2", BENCH_TAVRION_BUNDLE},
                                        {"TavrionV2-standard", BENCH_TAVRION_STD_BUNDLE}};

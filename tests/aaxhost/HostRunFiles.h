@@ -1,5 +1,5 @@
 // Running the aaxhost executable and the files around it, shared by the
-// suites that drive it (aaxhost.*, vst3e2e.*).
+// suites that drive it (aaxhost.*, vst3.e2e.*).
 #pragma once
 
 #include <nlohmann/json.hpp>

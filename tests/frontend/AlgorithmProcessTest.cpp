@@ -12,7 +12,7 @@
 
 #include "AAXWrapper_AlgorithmProcess.h"
 #include "AAXWrapper_Identity.h"
-#include "AllocationCounter.h"
+#include "AllocationProbe.h"
 #include "CTestContext.h"
 #include "WrapperFixture.h"
 
@@ -131,11 +131,12 @@ TEST_F(AlgorithmProcessTest, NormalPathAllocatesNothing)
     bypassed.mBypass = 1;
     std::vector<S_Alg_Context*> batch{processed.Context(), bypassed.Context(), silenced.Context()};
     Script().processedBy.reserve(8);  // the double itself must not allocate either
+    TestSupport::ExpectAllocationCounting();
 
-    const size_t before = TestSupport::HeapAllocationCount();
+    AAXHost::CAllocationScope allocations;
     for (int i = 0; i < 4; ++i)
         AAXWrapper_AlgorithmProcessFunction(batch.data(), batch.data() + batch.size());
-    EXPECT_EQ(TestSupport::HeapAllocationCount(), before);
+    EXPECT_EQ(allocations.Allocations(), 0u);
     EXPECT_EQ(Script().processedBy.size(), 4u);
 }
 

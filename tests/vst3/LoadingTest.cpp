@@ -2,6 +2,7 @@
 // including the ones that are broken on purpose.
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #include "Vst3TestSupport.h"
@@ -135,6 +136,15 @@ TEST(Vst3Loading, CombinedObjectAndFactoryWithoutAudioClass)
     EXPECT_EQ(trace.LinesStartingWith("single.setComponentHandler set").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("single.setComponentState gain=1.000000").size(), 1u);
     EXPECT_EQ(plugin.mHost->GetParameterCount(), 1);
+    // One object answers both getState calls: the same gain twice.
+    const SPluginState state = plugin.mHost->GetState();
+    ASSERT_TRUE(state.gave);
+    ASSERT_EQ(state.bytes.size(), 76u);
+    uint32_t sizes[2];
+    std::memcpy(&sizes[0], state.bytes.data(), 4);
+    std::memcpy(&sizes[1], state.bytes.data() + 12, 4);
+    EXPECT_EQ(sizes[0], 8u);
+    EXPECT_EQ(sizes[1], 8u);
     plugin.mHost->Quit();
     EXPECT_EQ(trace.LinesStartingWith("single.terminate").size(), 1u);
 

@@ -38,6 +38,8 @@ struct SLiveBlock {
 SLiveBlock gLive[kMaxLive];
 thread_local bool tArmed = false;
 thread_local bool tInside = false;
+thread_local uint64_t tTotal = 0;
+thread_local bool tWalkerWarm = false;
 
 bool IsRuntime(const char* path)
 {
@@ -124,13 +126,20 @@ void MarkAllocationHooksInstalled() { gHooksInstalled = true; }
 
 void ArmAllocationCount(bool armed)
 {
-    if (armed) {
+    if (armed && !tWalkerWarm) {
         void* frames[4];
         backtrace(frames, 4);
         ExecutablePath();
+        tWalkerWarm = true;
     }
     tArmed = armed;
 }
+
+uint64_t ThreadAllocationTotal() { return tTotal; }
+
+CAllocationScope::CAllocationScope() : mWasArmed(tArmed), mStart(tTotal) { ArmAllocationCount(true); }
+
+CAllocationScope::~CAllocationScope() { tArmed = mWasArmed; }
 
 void ResetAllocationCount()
 {
@@ -160,6 +169,8 @@ void RecordAllocationEvent(bool isFree, const volatile void* pointer, const void
     if (!tArmed || tInside || !pointer)
         return;
     tInside = true;
+    if (!isFree)
+        ++tTotal;
     if (isFree) {
         const int live = FindLive(pointer);
         if (live >= 0) {

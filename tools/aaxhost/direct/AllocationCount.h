@@ -1,10 +1,12 @@
 // Counts heap allocations and frees made on one thread while it is armed
 // (the audio thread, around the process call), and tells which library
-// made each: the wrapper bundle or the plug-in it hosts.
+// made each: the wrapper bundle or the plug-in it hosts. The one counter of
+// the project: aaxhost validate, the bench and the tests' real-time checks.
 //
-// The hooks come from MallocInterposer.cpp, linked into the aaxhost
-// executable only: it replaces malloc and friends (or, in a sanitizer
-// build, installs the sanitizer's allocation hooks).
+// The hooks come from MallocInterposer.cpp (target
+// aaxhost_allocation_hooks), linked into executables only: it replaces
+// malloc and friends (or, in a sanitizer build, installs the sanitizer's
+// allocation hooks). operator new reaches them through malloc.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +31,26 @@ bool AllocationCountingAvailable();
 void ArmAllocationCount(bool armed);
 void ResetAllocationCount();
 std::vector<SAllocationSource> AllocationSources();
+
+// Allocations the calling thread made while armed, over the process's
+// life: a running total that never resets, so scopes can nest.
+uint64_t ThreadAllocationTotal();
+
+// Counting armed on the calling thread for the scope's life. Cheap enough
+// to open around every measured call.
+class CAllocationScope {
+public:
+    CAllocationScope();
+    ~CAllocationScope();
+    CAllocationScope(const CAllocationScope&) = delete;
+    CAllocationScope& operator=(const CAllocationScope&) = delete;
+    // Allocations made since the scope opened.
+    uint64_t Allocations() const { return ThreadAllocationTotal() - mStart; }
+
+private:
+    bool mWasArmed;
+    uint64_t mStart;
+};
 
 // Called by the hooks.
 void MarkAllocationHooksInstalled();
