@@ -47,7 +47,7 @@ SRunResult RenderStrictSynth(const std::string& dir, int block, std::vector<std:
 
 }  // namespace
 
-TEST(Vst3Standard, StrictSynthIsSwitchedOnAndNeverGivenMoreThanPromisedAtAnyBufferSize)
+TEST(Vst3StandardBundle, StrictSynthIsSwitchedOnAndNeverGivenMoreThanPromisedAtAnyBufferSize)
 {
     for (int block : {64, 1000, 4096, 10000}) {
         const std::string dir = TempDir("strict-" + std::to_string(block));
@@ -70,7 +70,7 @@ TEST(Vst3Standard, StrictSynthIsSwitchedOnAndNeverGivenMoreThanPromisedAtAnyBuff
     }
 }
 
-TEST(Vst3Standard, SlicedBuffersKeepNotesAndTransportAtTheirSamples)
+TEST(Vst3StandardBundle, SlicedBuffersKeepNotesAndTransportAtTheirSamples)
 {
     const SRunResult run = RenderStrictSynth(TempDir("sliced"), 10000);
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -84,7 +84,7 @@ TEST(Vst3Standard, SlicedBuffersKeepNotesAndTransportAtTheirSamples)
     EXPECT_EQ(noteSamples, (std::vector<long long>{0, 12000, 36000, 45000}));
 }
 
-TEST(Vst3Standard, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAndReachTheProcessor)
+TEST(Vst3StandardBundle, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAndReachTheProcessor)
 {
     const SRunResult params = RunHost({"params", StandardBundle("MrvStrictSynth"), "--json"});
     ASSERT_EQ(params.exitCode, 0) << params.err;
@@ -100,7 +100,7 @@ TEST(Vst3Standard, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAndReachT
     EXPECT_NE(FindLine(run.trace, "proc.param id=7000 value=0.300000 offset=0"), std::string::npos);
 }
 
-TEST(Vst3Standard, StateRestoredIntoAFreshInstanceRendersTheSameBytes)
+TEST(Vst3StandardBundle, StateRestoredIntoAFreshInstanceRendersTheSameBytes)
 {
     const std::string dir = TempDir("state");
     const SRunResult saved = RenderStrictSynth(dir, 512, {"--set", "7000=0.3", "--save-state", dir + "/s.state"});
@@ -112,7 +112,7 @@ TEST(Vst3Standard, StateRestoredIntoAFreshInstanceRendersTheSameBytes)
     EXPECT_EQ(Samples(dir + "/out.wav"), first);
 }
 
-TEST(Vst3Standard, NotesThePlugInSendsReachTheAaxMidiOutput)
+TEST(Vst3StandardBundle, NotesThePlugInSendsReachTheAaxMidiOutput)
 {
     const SRunResult run = RenderStrictSynth(TempDir("midiout"), 1000);
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -126,7 +126,7 @@ TEST(Vst3Standard, NotesThePlugInSendsReachTheAaxMidiOutput)
     EXPECT_EQ(out, expected);
 }
 
-TEST(Vst3Standard, StrictSingleComponentPlugInRendersPublishesAndRestores)
+TEST(Vst3StandardBundle, StrictSingleComponentPlugInRendersPublishesAndRestores)
 {
     const std::string dir = TempDir("single");
     const std::string bundle = StandardBundle("MrvStrictSingle");
@@ -150,7 +150,7 @@ TEST(Vst3Standard, StrictSingleComponentPlugInRendersPublishesAndRestores)
     EXPECT_EQ(Samples(dir + "/out.wav"), first);
 }
 
-TEST(Vst3Classic, StrictSynthCannotBeCreatedAndAaxhostSaysSo)
+TEST(Vst3ClassicBundle, StrictSynthCannotBeCreatedAndAaxhostSaysSo)
 {
     const SRunResult run = RunHost({"render", std::string(VST3E2E_BUNDLE_DIR) + "/MrvStrictSynth.aaxplugin", "--out",
                                     TempDir("classic") + "/out.wav", "--seconds", "0.1"});
@@ -161,7 +161,7 @@ TEST(Vst3Classic, StrictSynthCannotBeCreatedAndAaxhostSaysSo)
         << run.err;
 }
 
-TEST(Vst3Classic, BuffersLongerThanPromisedArriveInSlices)
+TEST(Vst3ClassicBundle, BuffersLongerThanPromisedArriveInSlices)
 {
     // The test synth stops the process if it gets more than the 256 samples
     // CLASSIC promises; under ASan this also proves no buffer is overrun.
@@ -182,7 +182,7 @@ TEST(Vst3Classic, BuffersLongerThanPromisedArriveInSlices)
     EXPECT_EQ(noteSamples, (std::vector<long long>{0, 12000, 36000, 45000}));
 }
 
-TEST(Vst3Standard, HostAutomationBackToTheDefaultReachesProcessorAndControllerOnceEach)
+TEST(Vst3StandardBundle, HostAutomationBackToTheDefaultReachesProcessorAndControllerOnceEach)
 {
     const SRunResult run = RenderStrictSynth(TempDir("automation"), 512,
                                              {"--set", "7000=0.3", "--set", "7000=0.8@0.2", "--set", "7000=0.3@0.4"});
@@ -197,7 +197,7 @@ TEST(Vst3Standard, HostAutomationBackToTheDefaultReachesProcessorAndControllerOn
     }
 }
 
-TEST(Vst3Standard, AnEditorEditReachesTheProcessorAndTheHostOnceAndIsNotEchoedBack)
+TEST(Vst3StandardBundle, AnEditorEditReachesTheProcessorAndTheHostOnceAndIsNotEchoedBack)
 {
     const std::string dir = TempDir("edit-once");
     WriteSmf(dir + "/notes.mid", kTwoNotes);
@@ -223,7 +223,7 @@ TEST(Vst3Standard, AnEditorEditReachesTheProcessorAndTheHostOnceAndIsNotEchoedBa
 
 // A processor that is an object of its own (DPF's split) answers no query
 // for the component: the host keeps the component it created.
-TEST(Vst3Standard, SplitProcessorThatAnswersNoQueryBackLoadsRendersAndRestores)
+TEST(Vst3StandardBundle, SplitProcessorThatAnswersNoQueryBackLoadsRendersAndRestores)
 {
     const std::string dir = TempDir("split");
     const std::string bundle = StandardBundle("MrvStrictSplit");
@@ -244,7 +244,7 @@ TEST(Vst3Standard, SplitProcessorThatAnswersNoQueryBackLoadsRendersAndRestores)
 
 // Debian's DPF-built VST 3 bundles, each in turn behind one STANDARD bundle:
 // they load, play the test signal and restore their state byte for byte.
-TEST(Vst3Standard, EveryZamPluginsVst3LoadsPlaysAndRestoresItsState)
+TEST(Vst3StandardBundle, EveryZamPluginsVst3LoadsPlaysAndRestoresItsState)
 {
     namespace fs = std::filesystem;
     std::vector<fs::path> zams;
