@@ -1,7 +1,6 @@
 #include "AAXWrapper_Parameters.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -31,6 +30,25 @@ namespace {
 const char* const kMasterBypassID = "MasterBypassID";
 
 AAXWrapper_Parameters::FakeHostFactory gFakeHostFactoryForTesting = nullptr;
+
+// The tag of a published identifier: decimal digits only, as this wrapper
+// writes them, within 32 bits. Every automation point passes here, so it is
+// read by hand rather than through strtoul and its locale.
+bool ParseTag(const char* id, uint32_t& tag)
+{
+    if (id == nullptr || *id == '\0')
+        return false;
+    uint64_t value = 0;
+    for (const char* c = id; *c != '\0'; ++c) {
+        if (*c < '0' || *c > '9')
+            return false;
+        value = value * 10 + static_cast<uint64_t>(*c - '0');
+        if (value > std::numeric_limits<uint32_t>::max())
+            return false;
+    }
+    tag = static_cast<uint32_t>(value);
+    return true;
+}
 
 }  // namespace
 
@@ -307,12 +325,10 @@ double AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, 
 // that the parameter chunk saves what a restore will find.
 double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, double iValue)
 {
-    errno = 0;
-    char* end = nullptr;
-    const unsigned long tag = std::strtoul(iParameterID, &end, 10);
-    if (end == iParameterID || *end != '\0' || errno != 0)
+    uint32_t tag = 0;
+    if (!ParseTag(iParameterID, tag))
         return iValue;
-    const auto found = mIndexByTag.find(static_cast<uint32_t>(tag));
+    const auto found = mIndexByTag.find(tag);
     if (found == mIndexByTag.end())
         return iValue;
     const int index = found->second;

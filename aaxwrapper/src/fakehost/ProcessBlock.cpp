@@ -3,64 +3,42 @@
 #include "AAX_IMIDINode.h"
 #include "AAX_ITransport.h"
 
-void CProcessBlock::ReadMidiIn(AAX_IMIDINode& node)
+const STransportSnapshot& CProcessBlock::ReadTransport() const
 {
-    const AAX_CMidiStream* stream = node.GetNodeBuffer();
-    if (stream != nullptr && stream->mBuffer != nullptr && stream->mBufferSize != 0) {
-        mMidiBegin = stream->mBuffer;
-        mMidiEnd = stream->mBuffer + stream->mBufferSize;
-    }
-}
-
-const STransportSnapshot& CProcessBlock::Transport() const
-{
-    const CProcessBlock& whole = *mWhole;
-    if (whole.mTransportRead)
-        return whole.mTransport;
-    whole.mTransportRead = true;
-    STransportSnapshot& t = whole.mTransport;
-    t = STransportSnapshot{};
-    AAX_ITransport* source = whole.mTransportNode != nullptr ? whole.mTransportNode->GetTransport() : nullptr;
-    if (source == nullptr)
+    mTransportRead = true;
+    STransportSnapshot& t = mTransport;
+    AAX_IMIDINode* node = mContext->mMidiTransport;
+    AAX_ITransport* source = node != nullptr ? node->GetTransport() : nullptr;
+    t.present = source != nullptr;
+    if (source == nullptr) {
+        t = STransportSnapshot{};
         return t;
-    t.present = true;
-    // Read into locals: a failed call may have written anything.
-    double tempo = 0.0;
-    if ((t.hasTempo = source->GetCurrentTempo(&tempo) == AAX_SUCCESS))
-        t.tempo = tempo;
-    int32_t numerator = 0, denominator = 0;
-    if ((t.hasMeter = source->GetCurrentMeter(&numerator, &denominator) == AAX_SUCCESS)) {
-        t.numerator = numerator;
-        t.denominator = denominator;
     }
-    int64_t ticks = 0;
-    if ((t.hasTicks = source->GetCurrentTickPosition(&ticks) == AAX_SUCCESS))
-        t.ticks = ticks;
-    int64_t samples = 0;
-    if ((t.hasSamplePosition = source->GetCurrentNativeSampleLocation(&samples) == AAX_SUCCESS))
-        t.samplePosition = samples;
-    bool playing = false;
-    if ((t.hasPlaying = source->IsTransportPlaying(&playing) == AAX_SUCCESS))
-        t.playing = playing;
+    // Straight into the snapshot; what a failed call may have written is
+    // put back to 0.
+    t.hasTempo = source->GetCurrentTempo(&t.tempo) == AAX_SUCCESS;
+    if (!t.hasTempo)
+        t.tempo = 0.0;
+    t.hasMeter = source->GetCurrentMeter(&t.numerator, &t.denominator) == AAX_SUCCESS;
+    if (!t.hasMeter)
+        t.numerator = t.denominator = 0;
+    t.hasTicks = source->GetCurrentTickPosition(&t.ticks) == AAX_SUCCESS;
+    if (!t.hasTicks)
+        t.ticks = 0;
+    t.hasSamplePosition = source->GetCurrentNativeSampleLocation(&t.samplePosition) == AAX_SUCCESS;
+    if (!t.hasSamplePosition)
+        t.samplePosition = 0;
+    t.hasPlaying = source->IsTransportPlaying(&t.playing) == AAX_SUCCESS;
+    if (!t.hasPlaying)
+        t.playing = false;
     return t;
-}
-
-double CProcessBlock::QuarterNotes(double sampleRate) const
-{
-    const STransportSnapshot& t = Transport();
-    double quarters = static_cast<double>(t.ticks) / static_cast<double>(kAAX_TicksPerQuarter);
-    if (mStart > 0 && sampleRate > 0.0)
-        quarters += static_cast<double>(mStart) / sampleRate * t.tempo / 60.0;
-    return quarters;
 }
 
 CProcessBlock CProcessBlock::Slice(int32_t start, int32_t frames, SSliceChannels& channels) const
 {
     CProcessBlock slice;
+    slice.mContext = mContext;
     slice.mFrames = frames;
-    slice.mHasRate = mHasRate;
-    slice.mRate = mRate;
-    slice.mMidiOut = mMidiOut;
     slice.mMidiBegin = mMidiBegin;
     slice.mMidiEnd = mMidiEnd;
     slice.mStart = start;

@@ -8,9 +8,9 @@
 #include <cstdint>
 
 #include "AAX.h"
+#include "AAX_IMIDINode.h"
 #include "S_Alg_Context.h"
 
-class AAX_IMIDINode;
 class AAX_ITransport;
 
 // The transport as the AAX host reported it for this buffer. A value whose
@@ -38,28 +38,31 @@ constexpr int kBlockOutputChannels = 2 + 2 * kNumOutputStems;
 
 class CProcessBlock {
 public:
-    // The whole buffer of one context record. Inline: it runs once per
-    // buffer and instance.
+    // The whole buffer of one context record. Inline, and it copies only
+    // what a slice changes: it runs once per buffer and instance, and the
+    // rest is read from the record when asked.
     explicit CProcessBlock(const S_Alg_Context& context)
         : mFrames(context.mBufferLength != nullptr && *context.mBufferLength > 0 ? *context.mBufferLength : 0),
-          mHasRate(context.mSampleRate != nullptr),
-          mRate(context.mSampleRate != nullptr ? static_cast<double>(*context.mSampleRate) : 0.0),
+          mContext(&context),
           mInputs(context.mInputs),
-          mOutputs(context.mOutputs),
-          mMidiOut(context.mMidiOut),
-          mTransportNode(context.mMidiTransport)
+          mOutputs(context.mOutputs)
     {
-        if (context.mMidiIn != nullptr)
-            ReadMidiIn(*context.mMidiIn);
+        if (context.mMidiIn != nullptr) {
+            const AAX_CMidiStream* stream = context.mMidiIn->GetNodeBuffer();
+            if (stream != nullptr && stream->mBuffer != nullptr) {
+                mMidiBegin = stream->mBuffer;
+                mMidiEnd = stream->mBuffer + stream->mBufferSize;
+            }
+        }
     }
 
     int32_t Frames() const { return mFrames; }
     // The context's sample rate; false when it carries none.
-    bool HasContextRate() const { return mHasRate; }
-    double ContextRate() const { return mRate; }
+    bool HasContextRate() const { return mContext->mSampleRate != nullptr; }
+    double ContextRate() const { return static_cast<double>(*mContext->mSampleRate); }
     float* const* Inputs() const { return mInputs; }    // kBlockInputChannels, or null
     float* const* Outputs() const { return mOutputs; }  // kBlockOutputChannels, or null
-    AAX_IMIDINode* MidiOut() const { return mMidiOut; }
+    AAX_IMIDINode* MidiOut() const { return mContext->mMidiOut; }
     // Where this block starts in the host's buffer, and whether it ends it.
     int32_t Start() const { return mStart; }
     bool IsLastSlice() const { return mLastSlice; }
@@ -88,10 +91,20 @@ public:
     }
 
     // Read from the host once per buffer, at first use; slices share it.
-    const STransportSnapshot& Transport() const;
+    const STransportSnapshot& Transport() const
+    {
+        return mWhole->mTransportRead ? mWhole->mTransport : mWhole->ReadTransport();
+    }
     // The position at this block's start: the snapshot's, moved on by the
     // block's offset at `sampleRate` and the snapshot's tempo.
-    double QuarterNotes(double sampleRate) const;
+    double QuarterNotes(double sampleRate) const
+    {
+        const STransportSnapshot& t = Transport();
+        double quarters = static_cast<double>(t.ticks) / static_cast<double>(kAAX_TicksPerQuarter);
+        if (mStart > 0 && sampleRate > 0.0)
+            quarters += static_cast<double>(mStart) / sampleRate * t.tempo / 60.0;
+        return quarters;
+    }
     int64_t SamplePosition() const { return Transport().samplePosition + mStart; }
 
     // The slice [start, start + frames) of this whole block; its channel
@@ -104,23 +117,21 @@ public:
 
 private:
     CProcessBlock() = default;
-    void ReadMidiIn(AAX_IMIDINode& node);
+    const STransportSnapshot& ReadTransport() const;
 
-    int32_t mFrames = 0;
-    bool mHasRate = false;
-    double mRate = 0.0;
-    float* const* mInputs = nullptr;
-    float* const* mOutputs = nullptr;
-    AAX_IMIDINode* mMidiOut = nullptr;
-    const AAX_CMidiPacket* mMidiBegin = nullptr;
-    const AAX_CMidiPacket* mMidiEnd = nullptr;
+    // Side by side, so that a new block writes the three in one store.
     int32_t mStart = 0;
     bool mLastSlice = true;
-    AAX_IMIDINode* mTransportNode = nullptr;
+    mutable bool mTransportRead = false;
+    int32_t mFrames = 0;
+    const S_Alg_Context* mContext = nullptr;
+    float* const* mInputs = nullptr;
+    float* const* mOutputs = nullptr;
+    const AAX_CMidiPacket* mMidiBegin = nullptr;
+    const AAX_CMidiPacket* mMidiEnd = nullptr;
+    const CProcessBlock* mWhole = this;
     // The whole buffer's snapshot; a slice reads its parent's.
     mutable STransportSnapshot mTransport;
-    mutable bool mTransportRead = false;
-    const CProcessBlock* mWhole = this;
 };
 
 // Calls fn once per slice of at most maxFrames (once with the block itself
