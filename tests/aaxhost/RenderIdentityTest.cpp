@@ -74,10 +74,9 @@ protected:
         ASSERT_TRUE(std::filesystem::exists(c.library)) << c.library << " is missing: run scripts/setup";
         const bool tavrion = std::string(c.name) == "Tavrion";
         if (Standard())
-            mBundle = std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + (tavrion ? "Tavrion V2" : c.name) + ".aaxplugin";
+            mBundle = StandardBundle(tavrion ? "Tavrion V2" : c.name);
         else
-            mBundle = tavrion ? std::string(AAXHOST_DEFAULT_BUNDLE)
-                              : std::string(AAXHOST_BUNDLE_DIR) + "/" + c.name + ".aaxplugin";
+            mBundle = tavrion ? std::string(AAXHOST_DEFAULT_BUNDLE) : Bundle(c.name);
         mDir = TempDir(std::string("identity-") + c.name + (Standard() ? "-std" : ""));
         mMidi = mDir + "/phrase.mid";
         WriteTestPhrase(mMidi);

@@ -14,6 +14,14 @@ inline SRunResult RunHost(const std::vector<std::string>& args, const std::vecto
     return RunHostIn(AAXHOST_TEST_WORK_DIR, args, env);
 }
 
+// A test bundle of this CMakeLists by name, in its subfolder ("standard",
+// "bad", "faulty") or at the top.
+inline std::string Bundle(const std::string& name, const std::string& folder = "")
+{
+    return std::string(AAXHOST_BUNDLE_DIR) + "/" + (folder.empty() ? "" : folder + "/") + name + ".aaxplugin";
+}
+inline std::string StandardBundle(const std::string& name) { return Bundle(name, "standard"); }
+
 // A fresh, empty folder for one test's files.
 inline std::string TempDir(const std::string& name) { return TestFolder(AAXHOST_TEST_WORK_DIR, name); }
 
