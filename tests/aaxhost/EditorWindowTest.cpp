@@ -188,7 +188,6 @@ TEST(EditorWindow, WithoutADisplayTheViewOpensWithoutAWindow)
 {
     const SRunResult r = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--json"}, {"DISPLAY="});
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    EXPECT_NE(r.err.find("DISPLAY is not set"), std::string::npos) << r.err;
     EXPECT_EQ(r.Json()["windowed"], false);
     const SRunResult shot = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--screenshot", "x.png"}, {"DISPLAY="});
     EXPECT_EQ(shot.exitCode, 1);
