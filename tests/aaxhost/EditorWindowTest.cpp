@@ -1,7 +1,6 @@
 // Editors in a real X11 window (the suite runs under Xvfb): what they draw,
 // what a click on them does, how the window follows them, and that opening
 // and closing them leaves nothing behind.
-#include <cairo.h>
 #include <sys/stat.h>
 
 #include <cmath>
@@ -37,30 +36,6 @@ bool Exists(const std::string& path)
 {
     struct stat info {};
     return stat(path.c_str(), &info) == 0;
-}
-
-// A PNG read back: its size and 0xRRGGBB pixels.
-struct SImage {
-    int width = 0, height = 0;
-    std::vector<uint32_t> pixels;
-    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
-};
-
-SImage ReadPng(const std::string& path)
-{
-    SImage image;
-    cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
-    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
-        image.width = cairo_image_surface_get_width(surface);
-        image.height = cairo_image_surface_get_height(surface);
-        const unsigned char* data = cairo_image_surface_get_data(surface);
-        const int stride = cairo_image_surface_get_stride(surface);
-        for (int y = 0; y < image.height; ++y)
-            for (int x = 0; x < image.width; ++x)
-                image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] & 0xFFFFFF);
-    }
-    cairo_surface_destroy(surface);
-    return image;
 }
 
 json Gui(const std::string& bundle, std::vector<std::string> extra, const std::vector<std::string>& env = {})

@@ -2,6 +2,7 @@
 // MIDI files, reading WAV output.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,14 @@ void WriteMidiFile(const std::string& path, const std::vector<SNote>& notes, std
 void WriteTestPhrase(const std::string& path);
 
 std::vector<std::vector<float>> ReadWavChannels(const std::string& path, int* sampleRate = nullptr);
+
+// A PNG read back: its size and 0xRRGGBB pixels; empty when unreadable.
+struct SImage {
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels;
+    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+};
+SImage ReadPng(const std::string& path);
 
 // Largest absolute sample difference; infinity when the shapes differ.
 double MaxDifference(const std::vector<float>& a, const std::vector<float>& b);
