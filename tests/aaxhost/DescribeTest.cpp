@@ -93,9 +93,7 @@ TEST(Describe, LoadingAndPluginFailuresExitWithAClearMessage)
     const std::string vst = dir + "/NotAAX.aaxplugin/Contents/x86_64-linux";
     fs::create_directories(vst);
     fs::copy_file("/usr/lib/vst/Kars-vst.so", vst + "/NotAAX.so", fs::copy_options::overwrite_existing);
-    const auto broken = [](int mode) {
-        return std::string(AAXHOST_BUNDLE_DIR) + "/Broken" + std::to_string(mode) + ".aaxplugin";
-    };
+    const auto broken = [](int mode) { return Bundle("Broken" + std::to_string(mode)); };
     const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"describe", dir + "/Nowhere.aaxplugin"}, "bundle not found"},
         {{"describe", dir + "/Empty.aaxplugin"}, "no plug-in library in bundle"},
@@ -113,27 +111,5 @@ TEST(Describe, LoadingAndPluginFailuresExitWithAClearMessage)
         EXPECT_LT(r.exitCode, 128) << "crashed: " << r.err;
         EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
         EXPECT_NE(r.err.find(c.second), std::string::npos) << r.err;
-    }
-}
-
-TEST(Params, ListsTheBypassAndEveryWrappedParameterWithItsValue)
-{
-    const SRunResult r = RunHost({"params", std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin", "--json"});
-    ASSERT_EQ(r.exitCode, 0) << r.err;
-    const json params = r.Json()["parameters"];
-    ASSERT_EQ(params.size(), 5u) << r.out;
-    EXPECT_EQ(params[0]["id"], "MasterBypassID");
-    EXPECT_TRUE(params[0]["master_bypass"].get<bool>());
-    EXPECT_EQ(params[0]["steps"], 2);
-    // The probe's parameters start at 0.5, 0.25, 0.75 and 0.
-    const char* names[] = {"Alpha", "Beta", "Gamma", "Delta"};
-    const double values[] = {0.5, 0.25, 0.75, 0.0};
-    for (int i = 0; i < 4; ++i) {
-        const json& p = params[static_cast<size_t>(i + 1)];
-        EXPECT_EQ(p["id"], std::to_string(i));
-        EXPECT_EQ(p["name"], names[i]);
-        EXPECT_DOUBLE_EQ(p["value"].get<double>(), values[i]);
-        EXPECT_DOUBLE_EQ(p["default"].get<double>(), values[i]);
-        EXPECT_FALSE(p["master_bypass"].get<bool>());
     }
 }

@@ -1,7 +1,6 @@
 // Editors in a real X11 window (the suite runs under Xvfb): what they draw,
 // what a click on them does, how the window follows them, and that opening
 // and closing them leaves nothing behind.
-#include <cairo.h>
 #include <sys/stat.h>
 
 #include <cmath>
@@ -27,41 +26,16 @@ struct SEditorCase {
 
 std::vector<SEditorCase> TestEditors()
 {
-    const std::string standard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/";
     return {{"Tavrion V2 (CLASSIC, the default product)", AAXHOST_DEFAULT_BUNDLE, 400, 240, "0"},
-            {"Tavrion V2 (STANDARD)", standard + "Tavrion V2.aaxplugin", 400, 240, "0"},
-            {"VST 3 test synth (STANDARD)", standard + "MrvTestSynth.aaxplugin", 400, 300, "0"},
-            {"VST 2 probe (CLASSIC)", std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin", 300, 150, "0"}};
+            {"Tavrion V2 (STANDARD)", StandardBundle("Tavrion V2"), 400, 240, "0"},
+            {"VST 3 test synth (STANDARD)", StandardBundle("MrvTestSynth"), 400, 300, "0"},
+            {"VST 2 probe (CLASSIC)", Bundle("Probe"), 300, 150, "0"}};
 }
 
 bool Exists(const std::string& path)
 {
     struct stat info {};
     return stat(path.c_str(), &info) == 0;
-}
-
-// A PNG read back: its size and 0xRRGGBB pixels.
-struct SImage {
-    int width = 0, height = 0;
-    std::vector<uint32_t> pixels;
-    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
-};
-
-SImage ReadPng(const std::string& path)
-{
-    SImage image;
-    cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
-    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
-        image.width = cairo_image_surface_get_width(surface);
-        image.height = cairo_image_surface_get_height(surface);
-        const unsigned char* data = cairo_image_surface_get_data(surface);
-        const int stride = cairo_image_surface_get_stride(surface);
-        for (int y = 0; y < image.height; ++y)
-            for (int x = 0; x < image.width; ++x)
-                image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] & 0xFFFFFF);
-    }
-    cairo_surface_destroy(surface);
-    return image;
 }
 
 json Gui(const std::string& bundle, std::vector<std::string> extra, const std::vector<std::string>& env = {})
@@ -89,25 +63,32 @@ std::string Center(const MrvEditor::SBox& box)
 
 }  // namespace
 
-TEST(EditorWindow, TestEditorsDrawTheirPatternAtTheSizeTheyAskFor)
+// Each editor opens at the size it asks for, draws its pattern, and asks to
+// grow when its grow area is clicked: the window follows and the editor
+// draws the new part too.
+TEST(EditorWindow, TestEditorsDrawTheirPatternAndTheWindowFollowsTheirResize)
 {
     for (const SEditorCase& c : TestEditors()) {
         SCOPED_TRACE(c.name);
         const std::string shot = TempDir("editor-pattern") + "/shot.png";
-        const json report = Gui(c.bundle, {"--seconds", "0.5", "--screenshot", shot});
+        const json report = Gui(c.bundle, {"--seconds", "0.6", "--click", Center(MrvEditor::kGrow), "--screenshot", shot});
         ASSERT_TRUE(report.is_object());
         EXPECT_EQ(report["windowed"], true);
-        EXPECT_EQ(report["window"], (json{{"width", c.width}, {"height", c.height}}));
         EXPECT_EQ(report["x_errors"], 0);
+        EXPECT_EQ(report["initial_size"], (json{{"width", c.width}, {"height", c.height}}));
+        const int grown = c.height + MrvEditor::kGrowStep;
+        EXPECT_EQ(report["requested_sizes"].back(), (json{{"width", c.width}, {"height", grown}}));
+        EXPECT_EQ(report["window"], (json{{"width", c.width}, {"height", grown}}));
         const SImage image = ReadPng(shot);
         ASSERT_EQ(image.width, c.width);
-        ASSERT_EQ(image.height, c.height);
+        ASSERT_EQ(image.height, grown);
         using namespace MrvEditor;
         EXPECT_EQ(image.At(kButton.x + 5, kButton.y + 5), kButtonColour);
         EXPECT_EQ(image.At(kButton.x + kButton.width - 1, kButton.y + kButton.height - 1), kButtonColour);
         EXPECT_EQ(image.At(kGrow.x + 50, kGrow.y + 20), kGrowColour);
         EXPECT_EQ(image.At(kButton.x - 1, kButton.y), kBackgroundColour);  // just outside the button
-        EXPECT_EQ(image.At(c.width - 1, c.height - 1), kBackgroundColour);
+        EXPECT_EQ(image.At(c.width - 1, grown - 1), kBackgroundColour);
+        EXPECT_EQ(image.At(c.width / 2, grown - 2), kBackgroundColour);  // in the new part
     }
 }
 
@@ -146,23 +127,6 @@ TEST(EditorWindow, AClickOnTheEditorIsAUserEditThatReachesTheSound)
     }
 }
 
-TEST(EditorWindow, TheWindowFollowsTheEditorsResizeRequests)
-{
-    for (const SEditorCase& c : TestEditors()) {
-        SCOPED_TRACE(c.name);
-        const std::string shot = TempDir("editor-resize") + "/shot.png";
-        const json report = Gui(c.bundle, {"--seconds", "0.6", "--click", Center(MrvEditor::kGrow), "--screenshot", shot});
-        ASSERT_TRUE(report.is_object());
-        const int grown = c.height + MrvEditor::kGrowStep;
-        EXPECT_EQ(report["requested_sizes"].back(), (json{{"width", c.width}, {"height", grown}}));
-        EXPECT_EQ(report["window"], (json{{"width", c.width}, {"height", grown}}));
-        const SImage image = ReadPng(shot);
-        EXPECT_EQ(image.height, grown);
-        // The editor drew its new part too.
-        EXPECT_EQ(image.At(c.width / 2, grown - 2), MrvEditor::kBackgroundColour);
-    }
-}
-
 TEST(EditorWindow, OpeningAndClosingAHundredTimesLeavesNothingBehind)
 {
     for (const SEditorCase& c : TestEditors()) {
@@ -177,7 +141,7 @@ TEST(EditorWindow, OpeningAndClosingAHundredTimesLeavesNothingBehind)
 TEST(EditorWindow, DebianPluginEditorsOpenDrawAndClose)
 {
     for (const char* name : {"amsynth", "Nekobi"}) {
-        const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
+        const std::string bundle = StandardBundle(name);
         if (!Exists(bundle))
             GTEST_SKIP() << name << " is not installed";
         SCOPED_TRACE(name);
@@ -199,7 +163,6 @@ TEST(EditorWindow, WithoutADisplayTheViewOpensWithoutAWindow)
 {
     const SRunResult r = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--json"}, {"DISPLAY="});
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    EXPECT_NE(r.err.find("DISPLAY is not set"), std::string::npos) << r.err;
     EXPECT_EQ(r.Json()["windowed"], false);
     const SRunResult shot = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--screenshot", "x.png"}, {"DISPLAY="});
     EXPECT_EQ(shot.exitCode, 1);

@@ -10,7 +10,6 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 #include "AAX_CChunkDataParser.h"
 #include "StateFile.h"
@@ -21,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kProbe = std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin";
+const std::string kProbe = Bundle("Probe");
 constexpr uint32_t kElckID = 0x656C636B;  // 'elck'
 
 // A private copy of the probe's bundle, free to be broken.
@@ -32,8 +31,6 @@ std::string CopyOfProbe(const std::string& dir)
     fs::copy(kProbe, copy, fs::copy_options::recursive);
     return copy;
 }
-
-bool Crashed(const SRunResult& r) { return r.exitCode >= 3; }
 
 // Where the big-endian double of parameter "0" lies in an elck chunk.
 std::vector<char>::iterator ValueOfParameterZero(AAXHost::SStateChunk& chunk)
@@ -53,25 +50,26 @@ SRunResult RenderProbe(const std::string& bundle, const std::string& dir, std::v
 
 }  // namespace
 
-TEST(Hostile, SpecialFilesWhereFilesAreExpectedNeverBlock)
+// Special files where files are expected never block; bad values never
+// start a render.
+TEST(Hostile, SpecialFilesAndBadCommandLinesExitOneWithAMessage)
 {
     const std::string dir = TempDir("special");
     ASSERT_EQ(mkfifo((dir + "/fifo").c_str(), 0600), 0);
     fs::create_directories(dir + "/folder");
-    struct SCase {
-        std::vector<std::string> args;
-        const char* message;
-    };
-    const SCase cases[] = {
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--load-state", dir + "/fifo"}, "is not a regular file"},
         {{"--load-state", dir + "/folder"}, "is not a regular file"},
         {{"--midi", dir + "/fifo"}, "is not a regular file"},
         {{"--save-state", "/dev/full"}, "is not a regular file"},
+        {{"--rate", "nan"}, ""}, {{"--rate", "inf"}, ""}, {{"--block", "1e3"}, ""}, {{"--editor-at", "-1"}, ""},
+        {{"--tempo", "nan"}, ""}, {{"--instances", "x"}, ""}, {{"--no-such-option"}, ""},
     };
-    for (const SCase& c : cases) {
-        const SRunResult r = RenderProbe(kProbe, dir, c.args);
-        EXPECT_EQ(r.exitCode, 1) << c.args[0] << ": " << r.err;
-        EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
+    for (const auto& [args, message] : cases) {
+        const SRunResult r = RenderProbe(kProbe, dir, args);
+        EXPECT_EQ(r.exitCode, 1) << args[0] << ": " << r.err;
+        EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
+        EXPECT_NE(r.err.find(message), std::string::npos) << r.err;
     }
 
     // The plug-in file itself is a FIFO: not found, reported, no hang.
@@ -119,7 +117,9 @@ TEST(Hostile, TruncatedPlugInLibraryIsRefusedBeforeLoading)
     EXPECT_NE(r.err.find("truncated"), std::string::npos) << r.err;
 }
 
-TEST(Hostile, DamagedMidiFilesNeverCrashTheHost)
+// Damaged files in general are the fuzzer's (fuzz/midireader); these two
+// must play.
+TEST(Hostile, MidiFilesWithSysExOrWithoutEndOfTrackPlay)
 {
     const std::string dir = TempDir("midi");
     const std::string good = dir + "/good.mid";
@@ -143,17 +143,6 @@ TEST(Hostile, DamagedMidiFilesNeverCrashTheHost)
     EXPECT_GT(withSysex.Json()["instances"][0]["midi_in"].get<int>(), 0);
     const SRunResult noEnd = RenderProbe(kProbe, dir, {"--midi", write("noend.mid", bytes.substr(0, bytes.size() - 4))});
     EXPECT_EQ(noEnd.exitCode, 0) << noEnd.err;
-
-    std::mt19937 random(7);
-    for (int i = 0; i < 40; ++i) {
-        std::string mutated = bytes;
-        for (int k = 0; k < 4; ++k)
-            mutated[random() % mutated.size()] = static_cast<char>(random());
-        if (i % 5 == 0)
-            mutated.resize(random() % mutated.size());
-        const SRunResult r = RenderProbe(kProbe, dir, {"--midi", write("mutated.mid", mutated)});
-        EXPECT_FALSE(Crashed(r)) << "mutation " << i << ": " << r.err;
-    }
 }
 
 TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
@@ -223,20 +212,6 @@ TEST(Hostile, AStateWithoutItsParameterChunkStillLeavesOneTruth)
         double value = 0;
         std::memcpy(&value, &bits, 8);
         EXPECT_NEAR(value, 0.9, 1e-6) << "the AAX parameter did not follow the plug-in's restored state";
-    }
-}
-
-TEST(Hostile, CommandLineErrorsExitOneWithAMessage)
-{
-    const std::string dir = TempDir("cli");
-    const std::vector<std::vector<std::string>> cases = {
-        {"--rate", "nan"}, {"--rate", "inf"}, {"--block", "1e3"}, {"--editor-at", "-1"},
-        {"--tempo", "nan"}, {"--instances", "x"}, {"--no-such-option"},
-    };
-    for (const auto& c : cases) {
-        const SRunResult r = RenderProbe(kProbe, dir, c);
-        EXPECT_EQ(r.exitCode, 1) << c[0] << ": " << r.err;
-        EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
     }
 }
 

@@ -1,9 +1,8 @@
-// Render options end to end: bypass, stems, batches of instances, state
-// files from disk, and what a plug-in sends back (automation, MIDI out).
+// Render options end to end: bypass, stems, batches of instances, the
+// transport, and what a plug-in sends back (automation, MIDI out).
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 
 #include "TestSignal.h"
@@ -14,7 +13,7 @@ using nlohmann::json;
 
 namespace {
 
-const std::string kProbe = std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin";
+const std::string kProbe = Bundle("Probe");
 const std::string kTavrion = AAXHOST_DEFAULT_BUNDLE;
 
 // The probe writes (c + 1) / 64 * Alpha on output channel c; Alpha starts at 0.5.
@@ -92,30 +91,6 @@ TEST(Render, ThreeInstancesInOneBatchEachRenderTheWholePart)
         EXPECT_EQ(j["instances"][i]["midi_in"], single.Json()["instances"][0]["midi_in"]);
 }
 
-TEST(Render, BadStateFilesAreRefused)
-{
-    const std::string dir = TempDir("bad-state");
-    const std::string good = dir + "/good.state";
-    ASSERT_EQ(RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/a.wav", "--save-state", good}).exitCode, 0);
-    const auto size = std::filesystem::file_size(good);
-    ASSERT_GT(size, 16u);
-
-    std::filesystem::copy_file(good, dir + "/truncated.state");
-    std::filesystem::resize_file(dir + "/truncated.state", size - 3);
-    std::ofstream(dir + "/garbage.state") << "this is not a state file at all";
-
-    const std::pair<std::string, std::string> cases[] = {{"truncated.state", "truncated"},
-                                                         {"garbage.state", "not an aaxhost state file"},
-                                                         {"missing.state", "cannot read the state file"}};
-    for (const auto& c : cases) {
-        const SRunResult r = RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/b.wav", "--load-state",
-                                      dir + "/" + c.first});
-        EXPECT_EQ(r.exitCode, 1) << c.first << ": " << r.err;
-        EXPECT_NE(r.err.find(c.second), std::string::npos) << r.err;
-    }
-    EXPECT_EQ(RunHost({"render", kTavrion, "--seconds", "0.1", "--out", dir + "/c.wav", "--load-state", good}).exitCode, 0);
-}
-
 TEST(Render, AutomationAndMidiFromThePluginReachTheHost)
 {
     const std::string dir = TempDir("probe-back");
@@ -156,21 +131,6 @@ TEST(Render, AutomationAndMidiFromThePluginReachTheHost)
     ASSERT_EQ(audio.size(), 2u);
     EXPECT_FLOAT_EQ(audio[0].front(), ProbeLevel(0));
     EXPECT_FLOAT_EQ(audio[0].back(), ProbeLevel(0) * 2.0f);
-}
-
-TEST(Gui, ViewOpensPollsAndClosesWithoutAWindowAndTheEditorSizeReachesTheHost)
-{
-    const SRunResult tavrion = RunHost({"gui", AAXHOST_DEFAULT_BUNDLE, "--ticks", "3", "--json"});
-    ASSERT_EQ(tavrion.exitCode, 0) << tavrion.err;
-    EXPECT_EQ(tavrion.Json()["sizes_after_ticks"].size(), 3u) << tavrion.out;
-    // The probe's editor rectangle is 300 x 150.
-    const SRunResult r = RunHost({"gui", kProbe, "--ticks", "2", "--json"});
-    ASSERT_EQ(r.exitCode, 0) << r.err;
-    const json j = r.Json();
-    const json size = {{"width", 300.0}, {"height", 150.0}};
-    EXPECT_EQ(j["initial_size"], size);
-    ASSERT_EQ(j["requested_sizes"].size(), 1u) << j.dump();
-    EXPECT_EQ(j["requested_sizes"][0], size);
 }
 
 TEST(Render, TransportReachesThePluginEveryBuffer)

@@ -74,10 +74,9 @@ protected:
         ASSERT_TRUE(std::filesystem::exists(c.library)) << c.library << " is missing: run scripts/setup";
         const bool tavrion = std::string(c.name) == "Tavrion";
         if (Standard())
-            mBundle = std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + (tavrion ? "Tavrion V2" : c.name) + ".aaxplugin";
+            mBundle = StandardBundle(tavrion ? "Tavrion V2" : c.name);
         else
-            mBundle = tavrion ? std::string(AAXHOST_DEFAULT_BUNDLE)
-                              : std::string(AAXHOST_BUNDLE_DIR) + "/" + c.name + ".aaxplugin";
+            mBundle = tavrion ? std::string(AAXHOST_DEFAULT_BUNDLE) : Bundle(c.name);
         mDir = TempDir(std::string("identity-") + c.name + (Standard() ? "-std" : ""));
         mMidi = mDir + "/phrase.mid";
         WriteTestPhrase(mMidi);
@@ -151,19 +150,16 @@ void ExpectSameStereo(const std::vector<std::vector<float>>& wrapped, const std:
 
 }  // namespace
 
-TEST_P(WrappedPlugin, RenderIsSampleIdenticalToDirectVst2)
-{
-    // The direct host delivers events as the mode does: one call per event
-    // in CLASSIC, one list per buffer in STANDARD.
-    ExpectSameStereo(RenderWrapped("wrapped.wav", {}), RenderDirectly({}).outputs, Case().random);
-}
-
-TEST_P(WrappedPlugin, ParameterChangeAltersTheSoundAsDirectlyAndSavedStateRestoresIt)
+// Untouched, changed and restored, each as the plug-in hosted directly.
+TEST_P(WrappedPlugin, SoundsAsDirectlyHostedAndAParameterChangeAndItsSavedStateReachIt)
 {
     const SPluginCase& c = Case();
     const std::string state = mDir + "/changed.state";
     const std::string set = std::to_string(c.parameter) + "=" + std::to_string(c.value);
+    // The direct host delivers events as the mode does: one call per event
+    // in CLASSIC, one list per buffer in STANDARD.
     const auto plain = RenderWrapped("plain.wav", {});
+    ExpectSameStereo(plain, RenderDirectly({}).outputs, c.random);
     const auto changed = RenderWrapped("changed.wav", {"--set", set, "--save-state", state});
     ASSERT_EQ(plain.size(), 2u);
     ASSERT_EQ(changed.size(), 2u);

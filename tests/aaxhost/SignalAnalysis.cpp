@@ -6,7 +6,6 @@
 namespace AAXHostTest {
 
 namespace {
-constexpr double kPi = 3.141592653589793;
 constexpr double kYinThreshold = 0.15;
 }  // namespace
 
@@ -51,25 +50,6 @@ double Fundamental(const std::vector<float>& samples, double sampleRate, size_t 
     const double denominator = a - 2.0 * b + c;
     const double shift = denominator != 0.0 ? 0.5 * (a - c) / denominator : 0.0;
     return sampleRate / (static_cast<double>(best) + shift);
-}
-
-double ToneLevelDb(const std::vector<float>& samples, double sampleRate, double frequency, size_t begin, size_t end)
-{
-    end = std::min(end, samples.size());
-    if (begin >= end)
-        return -300.0;
-    const size_t n = end - begin;
-    const double w = 2.0 * kPi * frequency / sampleRate;
-    const double coefficient = 2.0 * std::cos(w);
-    double s1 = 0.0, s2 = 0.0;
-    for (size_t i = 0; i < n; ++i) {
-        const double hann = 0.5 - 0.5 * std::cos(2.0 * kPi * static_cast<double>(i) / static_cast<double>(n - 1));
-        const double s0 = samples[begin + i] * hann + coefficient * s1 - s2;
-        s2 = s1;
-        s1 = s0;
-    }
-    const double power = s1 * s1 + s2 * s2 - coefficient * s1 * s2;
-    return 10.0 * std::log10(power / (static_cast<double>(n) * n) + 1e-30);
 }
 
 double KeyFrequency(int key) { return 440.0 * std::pow(2.0, (key - 69) / 12.0); }

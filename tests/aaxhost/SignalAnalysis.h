@@ -1,5 +1,5 @@
-// Measurements on rendered audio: the fundamental of one note and the level
-// of a given frequency, enough to tell a wrong pitch or a lost chord note.
+// Measurements on rendered audio: the fundamental of one note, enough to
+// tell a wrong pitch.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,6 @@ namespace AAXHostTest {
 // method with parabolic refinement; 0 when no period is found.
 double Fundamental(const std::vector<float>& samples, double sampleRate, size_t begin, size_t end,
                    double minHz = 40.0, double maxHz = 2000.0);
-
-// Level in dB of `frequency` over [begin, end), Hann-windowed (Goertzel).
-double ToneLevelDb(const std::vector<float>& samples, double sampleRate, double frequency, size_t begin, size_t end);
 
 // 440 Hz at key 69, twelve keys per octave.
 double KeyFrequency(int key);

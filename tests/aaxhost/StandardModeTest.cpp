@@ -1,6 +1,6 @@
 // Debian's VST 2 instruments wrapped in STANDARD mode, played as a user
-// would: the right pitch at every rate and buffer size, every note of a
-// chord, the plug-ins' own parameter defaults, and an effect that survives.
+// would: the right pitch at every rate and buffer size, and the plug-ins'
+// own parameter defaults. Chords are in the identity tests' phrase.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,21 +21,15 @@ namespace {
 struct SInstrument {
     const char* name;
     const char* library;
-    bool polyphonic;  // Nekobi is monophonic, hosted directly too
     // Kars plays up to 0.8 % flat when hosted directly (its strings are a
     // whole number of samples long): its own direct pitch is the reference.
     bool ownTuning;
-    // How far below the loudest a chord note may be. Kars plucks each string
-    // with fresh noise, so hosted directly its notes' fundamentals already
-    // differ by up to 19 dB (40 direct renders); a lost note is 46 dB or more
-    // below.
-    double chordSpreadDb;
 };
 
 const SInstrument kInstruments[] = {
-    {"amsynth", "/usr/lib/vst/amsynth_vst.so", true, false, 6.0},
-    {"Kars", "/usr/lib/vst/Kars-vst.so", true, true, 30.0},
-    {"Nekobi", "/usr/lib/vst/Nekobi-vst.so", false, false, 0.0},
+    {"amsynth", "/usr/lib/vst/amsynth_vst.so", false},
+    {"Kars", "/usr/lib/vst/Kars-vst.so", true},
+    {"Nekobi", "/usr/lib/vst/Nekobi-vst.so", false},
 };
 
 const int kRates[] = {44100, 48000, 96000};
@@ -68,11 +62,6 @@ double DirectPitch(const std::string& library, const std::string& dir, int key, 
 {
     WriteMidiFile(dir + "/direct.mid", {{0.0, 2.0, key, 100}});
     return Fundamental(RenderDirectLeft(library, dir + "/direct.mid", rate, 512), rate, PitchBegin(rate), PitchEnd(rate));
-}
-
-std::string StandardBundle(const std::string& name)
-{
-    return std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
 }
 
 // Renders one second of `notes` (beats at 120 BPM) and gives the main left channel.
@@ -118,40 +107,6 @@ TEST_P(StandardInstrument, SingleNoteHasItsPitchAtEveryRateAndBufferSize)
     }
 }
 
-TEST_P(StandardInstrument, EveryNoteOfAChordSounds)
-{
-    const int keys[] = {60, 64, 67};
-    if (!GetParam().polyphonic) {
-        // A monophonic synth plays one note of a chord hosted directly too:
-        // it must play exactly that.
-        for (int rate : kRates) {
-            const std::vector<SNote> chord = {{0.0, 2.0, keys[0], 100}, {0.0, 2.0, keys[1], 100}, {0.0, 2.0, keys[2], 100}};
-            const auto left = Render(StandardBundle(GetParam().name), mDir, chord, rate, 1000);
-            EXPECT_GT(Peak(left), 1e-3);
-            EXPECT_EQ(MaxDifference(left, RenderDirectLeft(GetParam().library, mDir + "/notes.mid", rate, 1000)), 0.0)
-                << rate << " Hz";
-        }
-        return;
-    }
-    for (int rate : kRates) {
-        const auto left = Render(StandardBundle(GetParam().name), mDir,
-                                 {{0.0, 2.0, keys[0], 100}, {0.0, 2.0, keys[1], 100}, {0.0, 2.0, keys[2], 100}}, rate,
-                                 1000);
-        // The strongest component within 1.5 % of each note: a detuned
-        // instrument's notes count too.
-        double levels[3];
-        for (int i = 0; i < 3; ++i) {
-            levels[i] = -300.0;
-            for (double detune = -0.015; detune <= 0.0151; detune += 0.0025)
-                levels[i] = std::max(levels[i], ToneLevelDb(left, rate, KeyFrequency(keys[i]) * (1.0 + detune),
-                                                            static_cast<size_t>(0.05 * rate), PitchEnd(rate)));
-        }
-        const double loudest = std::max({levels[0], levels[1], levels[2]});
-        for (int i = 0; i < 3; ++i)
-            EXPECT_GT(levels[i], loudest - GetParam().chordSpreadDb) << "key " << keys[i] << " at " << rate << " Hz: " << levels[0] << " " << levels[1] << " " << levels[2];
-    }
-}
-
 TEST_P(StandardInstrument, ParameterDefaultsAreThePlugInsOwn)
 {
     const SRunResult r = RunHost({"params", StandardBundle(GetParam().name), "--json"});
@@ -174,37 +129,3 @@ TEST_P(StandardInstrument, ParameterDefaultsAreThePlugInsOwn)
 
 INSTANTIATE_TEST_SUITE_P(Debian, StandardInstrument, ::testing::ValuesIn(kInstruments),
                          [](const ::testing::TestParamInfo<SInstrument>& info) { return std::string(info.param.name); });
-
-TEST(StandardEffect, MVerbReverberatesAtEveryRateAndBufferSize)
-{
-    const char* library = "/usr/lib/vst/MVerb-vst.so";
-    ASSERT_TRUE(std::filesystem::exists(library)) << library << " is missing: run scripts/setup";
-    const std::string dir = TempDir("mverb");
-    for (int rate : kRates) {
-        for (int block : kBlocks) {
-            const std::string wav = dir + "/out.wav";
-            const SRunResult r = RunHost({"render", StandardBundle("MVerb"), "--test-input", "--seconds", "1", "--rate",
-                                          std::to_string(rate), "--block", std::to_string(block), "--out", wav});
-            ASSERT_EQ(r.exitCode, 0) << rate << "/" << block << ": " << r.err;
-            const auto out = ReadWavChannels(wav);
-            ASSERT_EQ(out.size(), 2u);
-            double energy = 0.0;
-            for (float x : out[0]) {
-                ASSERT_TRUE(std::isfinite(x));
-                energy += static_cast<double>(x) * x;
-            }
-            EXPECT_GT(energy, 1e-3) << rate << " Hz, blocks of " << block;
-        }
-    }
-    // Wet: not the dry input that the master bypass passes through.
-    const std::string dry = dir + "/dry.wav", wet = dir + "/wet.wav";
-    for (const auto& run : {std::vector<std::string>{"--bypass", "--out", dry}, std::vector<std::string>{"--out", wet}}) {
-        std::vector<std::string> args = {"render", StandardBundle("MVerb"), "--test-input", "--seconds", "1"};
-        args.insert(args.end(), run.begin(), run.end());
-        ASSERT_EQ(RunHost(args).exitCode, 0);
-    }
-    EXPECT_GT(MaxDifference(ReadWavChannels(wet)[0], ReadWavChannels(dry)[0]), 0.01);
-}
-
-
-

@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -33,6 +35,23 @@ std::vector<std::vector<float>> ReadWavChannels(const std::string& path, int* sa
     if (sampleRate)
         *sampleRate = rate;
     return channels;
+}
+
+SImage ReadPng(const std::string& path)
+{
+    SImage image;
+    cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
+    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
+        image.width = cairo_image_surface_get_width(surface);
+        image.height = cairo_image_surface_get_height(surface);
+        const unsigned char* data = cairo_image_surface_get_data(surface);
+        const int stride = cairo_image_surface_get_stride(surface);
+        for (int y = 0; y < image.height; ++y)
+            for (int x = 0; x < image.width; ++x)
+                image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] & 0xFFFFFF);
+    }
+    cairo_surface_destroy(surface);
+    return image;
 }
 
 double MaxDifference(const std::vector<float>& a, const std::vector<float>& b)

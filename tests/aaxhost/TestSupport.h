@@ -2,6 +2,7 @@
 // MIDI files, reading WAV output.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,14 @@ inline SRunResult RunHost(const std::vector<std::string>& args, const std::vecto
 {
     return RunHostIn(AAXHOST_TEST_WORK_DIR, args, env);
 }
+
+// A test bundle of this CMakeLists by name, in its subfolder ("standard",
+// "bad", "faulty") or at the top.
+inline std::string Bundle(const std::string& name, const std::string& folder = "")
+{
+    return std::string(AAXHOST_BUNDLE_DIR) + "/" + (folder.empty() ? "" : folder + "/") + name + ".aaxplugin";
+}
+inline std::string StandardBundle(const std::string& name) { return Bundle(name, "standard"); }
 
 // A fresh, empty folder for one test's files.
 inline std::string TempDir(const std::string& name) { return TestFolder(AAXHOST_TEST_WORK_DIR, name); }
@@ -31,6 +40,14 @@ void WriteMidiFile(const std::string& path, const std::vector<SNote>& notes, std
 void WriteTestPhrase(const std::string& path);
 
 std::vector<std::vector<float>> ReadWavChannels(const std::string& path, int* sampleRate = nullptr);
+
+// A PNG read back: its size and 0xRRGGBB pixels; empty when unreadable.
+struct SImage {
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels;
+    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+};
+SImage ReadPng(const std::string& path);
 
 // Largest absolute sample difference; infinity when the shapes differ.
 double MaxDifference(const std::vector<float>& a, const std::vector<float>& b);

@@ -12,11 +12,6 @@ using namespace AAXHostTest;
 
 namespace {
 
-std::string StandardBundle(const std::string& name)
-{
-    return std::string(AAXHOST_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
-}
-
 SRunResult RenderTestInput(const std::string& name, int block)
 {
     const std::string dir = TempDir(name + "-" + std::to_string(block));

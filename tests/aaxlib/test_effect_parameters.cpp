@@ -11,7 +11,6 @@
 using aaxlib_test::HostController;
 using aaxlib_test::MakeChunk;
 using aaxlib_test::TestEffect;
-using Bytes = std::vector<unsigned char>;
 
 namespace {
 
@@ -163,20 +162,6 @@ TEST_F(EffectFixture, DispatcherHandlerFailureSendsNothing)
     for (const auto& post : host.posts) EXPECT_NE(5, post.field);
     AAX_CPacket packet(5);
     EXPECT_EQ(AAX_ERROR_NULL_OBJECT, effect->Dispatcher().GenerateSingleValuePacket("ghost", packet));
-}
-
-TEST_F(EffectFixture, DefaultChunkIsByteExactWithoutBypass)
-{
-    Start();
-    iface->UpdateParameterNormalizedValue("MasterBypassID", 1.0, AAX_eUpdateSource_Parameter);
-    auto chunk = SaveElck();
-    EXPECT_STREQ("Complete Controls State", reinterpret_cast<const char*>(chunk->fName));
-    EXPECT_EQ(AAX_CChunkDataParser::kDefaultChunkVersion, chunk->fVersion);
-
-    Bytes expected = {1, 1, 1, 1, 'd', '_', '0', 0, 0x3F, 0xE0, 0, 0, 0, 0, 0, 0,    // "0" = 0.5 as double
-                      'd', '_', '1', 0, 0x40, 0x34, 0, 0, 0, 0, 0, 0,                   // "1" = 20.0
-                      'l', '_', '2', 0, 0, 0, 0, 1};                                    // "2" = true
-    EXPECT_EQ(expected, aaxlib_test::DataOf(*chunk));
 }
 
 TEST_F(EffectFixture, ChunkIndexAndIdentifierErrors)

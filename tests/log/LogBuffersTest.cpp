@@ -149,21 +149,3 @@ TEST(LogBuffers, StopFlushesThenNextLineRestartsTheWriter)
     const std::string done = "LOG FLUSH DONE " + address + "\n";
     EXPECT_EQ(capture.text(), start + stop + "one\n" + done + start + stop + "two\n" + done);
 }
-
-TEST(LogBuffers, DestructionWritesOutEverythingQueued)
-{
-    CoutCapture capture;
-    auto line = [](int t, int i) { return "t" + std::to_string(t) + " line " + std::to_string(i) + "\n"; };
-    {
-        CLogBuffers buffers(kAsleep);
-        std::vector<std::thread> threads;
-        for (int t = 0; t < 3; ++t)
-            threads.emplace_back([&buffers, &line, t] {
-                for (int i = 0; i < 40; ++i)
-                    Write(buffers, line(t, i));
-            });
-        for (auto& thread : threads)
-            thread.join();
-    }
-    ExpectEachThreadInOrder(capture.text(), 3, 40, line);
-}

@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <random>
-
 #include "CScopedEnv.h"
 #include "LogTestSupport.h"
 
@@ -91,26 +89,13 @@ TEST_F(LogConf, OddButSpecifiedLines)
     EXPECT_EQ(levelOf("DebugAllFlag"), -1);
 }
 
-TEST_F(LogConf, HostileFilesEndTheParseCleanly)
+// Arbitrary bytes are fuzz/logconf's; an over-long line is skipped whole
+// and the parse goes on after it. 255 characters fit exactly.
+TEST_F(LogConf, OverlongLinesAreSkippedWhole)
 {
-    std::string many;
-    for (int i = 0; i < 10000; ++i)
-        many += "c" + std::to_string(i) + " info\n";
-    load(many);
-    EXPECT_EQ(levelOf("c9999"), kLogInfo);
-
-    std::mt19937 random(1234);
-    std::string garbage(65536, '\0');
-    for (char& c : garbage)
-        c = static_cast<char>(random() & 0xff);
-    std::string out = load(garbage + "\nafter garbage\n");
-    EXPECT_EQ(CountOccurrences(out, "###################### \n"), 3u) << "the parse reached its end";
-
-    // Over-long lines are skipped whole, the parse goes on after them;
-    // 255 characters fit exactly.
     const std::string longLine(300, 'L');
     const std::string fits = std::string(249, 'k') + " info";
-    out = load("gui debug\n" + longLine + " info\nmidi notice\n" + fits + "\n" + std::string(1000, 'E'));
+    const std::string out = load("gui debug\n" + longLine + " info\nmidi notice\n" + fits + "\n" + std::string(1000, 'E'));
     EXPECT_EQ(levelOf("gui"), kLogDebug);
     EXPECT_EQ(levelOf("midi"), kLogNotice);
     EXPECT_EQ(levelOf(fits.substr(0, 249).c_str()), kLogInfo);
