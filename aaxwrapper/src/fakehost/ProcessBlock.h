@@ -134,19 +134,26 @@ private:
     mutable STransportSnapshot mTransport;
 };
 
-// Calls fn once per slice of at most maxFrames (once with the block itself
-// when it fits, the usual case).
+// The slices of a block longer than maxFrames. Out of line: it is the rare
+// case, and its slice channels should not weigh on the usual one.
 template <typename Fn>
-void ForEachSlice(const CProcessBlock& block, int32_t maxFrames, Fn&& fn)
+__attribute__((noinline)) void ForEachLongSlice(const CProcessBlock& block, int32_t maxFrames, Fn& fn)
 {
     const int32_t frames = block.Frames();
-    if (frames <= maxFrames || maxFrames <= 0) {
-        fn(block);
-        return;
-    }
     CProcessBlock::SSliceChannels channels;
     for (int32_t start = 0; start < frames; start += maxFrames) {
         const int32_t length = frames - start < maxFrames ? frames - start : maxFrames;
         fn(block.Slice(start, length, channels));
     }
+}
+
+// Calls fn once per slice of at most maxFrames (once with the block itself
+// when it fits, the usual case).
+template <typename Fn>
+void ForEachSlice(const CProcessBlock& block, int32_t maxFrames, Fn&& fn)
+{
+    if (block.Frames() <= maxFrames || maxFrames <= 0)
+        fn(block);
+    else
+        ForEachLongSlice(block, maxFrames, fn);
 }

@@ -65,7 +65,9 @@ private:
     void AttachX11(AAX_IViewContainer* container, void* parent);
     // Processing (CFakeHostVST3Process.cpp).
     void DoProcess(const CProcessBlock& block) override;
-    void ProcessSlice(const CProcessBlock& slice);
+    // Inlined into the process call (defined and used in the processing
+    // file only): each buffer pays no call for it.
+    __attribute__((always_inline)) inline void ProcessSlice(const CProcessBlock& slice);
     void FillProcessContext(const CProcessBlock& slice);
     void ForwardOutputEvents(const CProcessBlock& slice);
     // The MIDI packets of one slice become events and parameter changes.
