@@ -13,6 +13,7 @@
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
+#include "fakehost/DenormalScope.h"
 #include "fakehost/FakeHostResults.h"
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
@@ -75,6 +76,8 @@ public:
     void Process(const CProcessBlock& block)
     {
         MV_REAL_TIME("IFakeHost::Process");
+        // STANDARD hosts flush denormals around the plug-in; CLASSIC never did.
+        const CDenormalScope denormals(IsStandard());
         DoProcess(block);
     }
 
