@@ -456,6 +456,20 @@ AAX_Result AAXWrapper_Parameters::TimerWakeup()
     return AAX_CEffectParameters::TimerWakeup();
 }
 
+AAX_Result AAXWrapper_Parameters::NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,
+                                                       uint32_t inNotificationDataSize)
+{
+    if (inNotificationType == kWrapperNotificationOffline && mFakeHost != nullptr) {
+        // A payload too short for its word reads as real time.
+        int32_t word = 0;
+        if (inNotificationData != nullptr && inNotificationDataSize >= sizeof(word))
+            std::memcpy(&word, inNotificationData, sizeof(word));
+        MV_LOG("fakehost", kLogInfo, "Rendering ", word != 0 ? "offline" : "in real time");
+        mFakeHost->SetOffline(word != 0);
+    }
+    return AAX_CEffectParameters::NotificationReceived(inNotificationType, inNotificationData, inNotificationDataSize);
+}
+
 namespace {
 // A plug-in's own text in a key=value line: a line break would start a key.
 std::string OneLine(std::string text)

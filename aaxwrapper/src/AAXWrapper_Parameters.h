@@ -37,6 +37,8 @@ public:
 
     // Main thread, periodic: lets the fake host apply what processing saw.
     AAX_Result TimerWakeup() override;
+    AAX_Result NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,
+                                    uint32_t inNotificationDataSize) override;
     // kWrapperStatusBlockID: whether the wrapped plug-in runs, and why not.
     AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
                              uint32_t* oDataWritten) const override;

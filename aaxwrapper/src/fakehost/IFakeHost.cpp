@@ -155,3 +155,12 @@ void IFakeHost::ApplyPendingSettings()
     MV_CONTRACT("ApplyPendingSettings");
     Guarded("ApplyPendingSettings", [&] { DoApplyPendingSettings(); });
 }
+
+void IFakeHost::SetOffline(bool offline)
+{
+    MV_CONTRACT("SetOffline");
+    // CLASSIC never told a plug-in how it was rendered.
+    if (!IsStandard())
+        return;
+    Guarded("SetOffline", [&] { DoSetOffline(offline); });
+}

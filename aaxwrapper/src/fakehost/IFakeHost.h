@@ -69,6 +69,11 @@ public:
     // held off meanwhile (the audio thread is never made to wait).
     void ApplyPendingSettings();
 
+    // --- Main thread, from the host's notifications. ----------------------
+    // Whether buffers are now rendered offline; STANDARD tells the plug-in
+    // (it may set up again, with processing held off meanwhile).
+    void SetOffline(bool offline);
+
     // --- Real-time thread: never blocks, never allocates. -------------------
     // One buffer, as the front end read it from the AAX context. A failure
     // here is not caught: the real-time callback ends the buffer for every
@@ -119,6 +124,7 @@ private:
     virtual SViewSize DoGetViewSize() = 0;
     virtual int32_t DoTimerWakeup() { return 0; }
     virtual void DoApplyPendingSettings() {}
+    virtual void DoSetOffline(bool /*offline*/) {}
     virtual void DoProcess(const CProcessBlock& block) = 0;
 
     AAX_CEffectParameters& mEffectParameters;

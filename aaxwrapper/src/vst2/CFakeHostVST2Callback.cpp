@@ -97,6 +97,13 @@ VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIn
         return 1;
     case audioMasterGetVendorVersion:
         return 1;
+    case audioMasterGetCurrentProcessLevel:
+        // Offline wins; otherwise the process thread is real time and every
+        // other thread is the user's.
+        if (mOffline.load(std::memory_order_relaxed))
+            return kVstProcessLevelOffline;
+        return pthread_equal(pthread_self(), mProcessThread.load(std::memory_order_relaxed)) ? kVstProcessLevelRealtime
+                                                                                              : kVstProcessLevelUser;
     case audioMasterCanDo: {
         static const char* const kCanDo[] = {"sendVstEvents", "sendVstMidiEvent", "sendVstTimeInfo",
                                              "receiveVstEvents", "receiveVstMidiEvent", "sizeWindow"};

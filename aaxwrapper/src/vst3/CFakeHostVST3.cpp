@@ -153,6 +153,12 @@ void CFakeHostVST3::DoApplyPendingSettings()
         mVst3Loader->activate(rate);
 }
 
+void CFakeHostVST3::DoSetOffline(bool offline)
+{
+    if (mVst3Loader)
+        mVst3Loader->setOffline(offline);
+}
+
 void CFakeHostVST3::DoQuit()
 {
     MV_LOG("fakehost", kLogInfo, "Quit");

@@ -40,6 +40,7 @@ private:
     void DoQuit() override;
     std::string DoGetLoadError() const override { return mLoadError; }
     void DoApplyPendingSettings() override;
+    void DoSetOffline(bool offline) override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override { return 0; }

@@ -335,7 +335,7 @@ bool CVST3Loader::setupProcessing(double hostSampleRate)
 bool CVST3Loader::configureProcessing(double sampleRate)
 {
     ProcessSetup setup{};
-    setup.processMode = kRealtime;
+    setup.processMode = mOffline ? kOffline : kRealtime;
     setup.symbolicSampleSize = kSample32;
     setup.maxSamplesPerBlock = mMaxBlock;
     setup.sampleRate = sampleRate;
@@ -349,6 +349,25 @@ bool CVST3Loader::activate(double sampleRate)
         return false;
     if (mActive && sampleRate == mSampleRate)
         return true;
+    return reactivate(sampleRate);
+}
+
+bool CVST3Loader::setOffline(bool offline)
+{
+    if (offline == mOffline)
+        return true;
+    mOffline = offline;
+    MV_LOG("fakehost", kLogInfo, "VST3 - process mode ", offline ? "offline" : "real time");
+    // Not yet switched on: the first set-up carries the mode.
+    if (!mActive || !mProcessor || !mComponent)
+        return true;
+    return reactivate(mSampleRate);
+}
+
+// The set-up may only change while the component is off, so it is switched
+// off and on around it, with no process call in between.
+bool CVST3Loader::reactivate(double sampleRate)
+{
     Morvane::CProcessGateClosed closed(mGate);
     if (mActive) {
         if (mProcessingStarted)

@@ -61,6 +61,9 @@ public:
     // STANDARD, main thread: set up at this rate and switch the component on;
     // again (switched off meanwhile, processing held off) on a rate change.
     bool activate(double sampleRate);
+    // STANDARD, main thread: the process mode (offline or real time); an
+    // active component is set up again, switched off meanwhile.
+    bool setOffline(bool offline);
     // The AAX side, told of the plug-in's own edits.
     void setEditListener(IPluginEditListener* listener) { mEditListener = listener; }
     // Why the pair could not be made; empty when it was.
@@ -139,6 +142,7 @@ private:
     void createStandardController();
     void queryControllerExtensions();
     bool configureProcessing(double sampleRate);
+    bool reactivate(double sampleRate);
     void rereadParameterValues();
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
@@ -185,6 +189,7 @@ private:
     const bool mStandard;
     const Steinberg::int32 mMaxBlock;
     double mSampleRate = 0.0;
+    bool mOffline = false;
     std::string mLoadError;
     IPluginEditListener* mEditListener = nullptr;
     Morvane::CProcessGate mGate;

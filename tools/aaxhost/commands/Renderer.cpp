@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "AAXWrapper_Status.h"
 #include "AAX_IDescription.h"
 #include "CrashReport.h"
 #include "EditorSession.h"
@@ -57,7 +58,7 @@ public:
     bool Run()
     {
         return FindProcessProcedure() && ReadMidi() && CreateInstances() && RestoreState() && ApplyBypass() &&
-               OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
+               TellOffline() && OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
     }
 
 private:
@@ -72,6 +73,7 @@ private:
     bool CreateInstances();
     bool RestoreState();
     bool ApplyBypass();
+    bool TellOffline();
     bool OpenAllOutputs();
     bool RenderBlocks();
     bool RenderBlock(const SBlock& block);
@@ -191,6 +193,24 @@ bool CRenderJob::ApplyBypass()
         const AAX_Result r = inst->SetParameter(bypassID.Text(), 1.0);
         if (r != AAX_SUCCESS) {
             mError = "setting " + bypassID.Text() + " failed with " + ResultText(r);
+            return false;
+        }
+    }
+    return true;
+}
+
+// A host that bounces tells its plug-ins before the first buffer.
+bool CRenderJob::TellOffline()
+{
+    if (!mConfig.offline)
+        return true;
+    SetPhase("the offline notification (NotificationReceived)");
+    const int32_t offline = 1;
+    for (auto& inst : mInstances) {
+        const AAX_Result r =
+            inst->Effect()->NotificationReceived(kWrapperNotificationOffline, &offline, sizeof(offline));
+        if (r != AAX_SUCCESS) {
+            mError = "the offline notification failed with " + ResultText(r);
             return false;
         }
     }
