@@ -199,6 +199,7 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
         return AAX_SUCCESS;
 
     CallFakeHost("EffectInit", [&] { PublishPluginParameters(); });
+    ReportLatency();
     return AAX_SUCCESS;
 }
 
@@ -452,8 +453,33 @@ AAX_Result AAXWrapper_Parameters::TimerWakeup()
     if (mFakeHost != nullptr) {
         mFakeHost->ApplyPendingSettings();
         CallFakeHost("TimerWakeup", [&] { SyncHeldValues(); });
+        ReportLatency();
     }
     return AAX_CEffectParameters::TimerWakeup();
+}
+
+void AAXWrapper_Parameters::ReportLatency()
+{
+    if (mFakeHost == nullptr || !IsStandard())
+        return;
+    const int32_t latency = mFakeHost->GetLatency();
+    if (latency == mReportedLatency)
+        return;
+    // Made here, off the audio thread; swapped with the gate closed, so no
+    // bypassed buffer is inside the old line when it goes.
+    std::unique_ptr<CBypassDelay> line = latency > 0 ? std::make_unique<CBypassDelay>(latency) : nullptr;
+    if (line != nullptr)
+        mBypassDelayed.store(true, std::memory_order_relaxed);
+    {
+        Morvane::CProcessGateClosed closed(mProcessGate);
+        mBypassDelay.swap(line);
+    }
+    if (mBypassDelay == nullptr)
+        mBypassDelayed.store(false, std::memory_order_relaxed);
+    mReportedLatency = latency;
+    MV_LOG("fakehost", kLogInfo, "Latency ", latency, " samples");
+    if (AAX_IController* controller = Controller())
+        controller->SetSignalLatency(latency);
 }
 
 AAX_Result AAXWrapper_Parameters::NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,

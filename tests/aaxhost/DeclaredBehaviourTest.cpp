@@ -1,6 +1,7 @@
 // What a STANDARD wrapper sets around its plug-in as mainstream hosts do,
 // seen from inside the plug-in through the built bundles and aaxhost: the
-// floating-point mode of the process call and the offline notification.
+// floating-point mode of the process call, the offline notification and the
+// plug-in's latency.
 // CLASSIC bundles of the same plug-ins show that nothing changed for them.
 #include <gtest/gtest.h>
 
@@ -9,9 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "DirectRender.h"
+#include "TestSignal.h"
 #include "TestSupport.h"
 
 using namespace AAXHostTest;
+using AAXHost::TestInputSample;
 
 namespace {
 
@@ -103,4 +107,135 @@ TEST(Declared, Vst3IsSetUpAgainOfflineWithTheComponentSwitchedOffAndOn)
     ASSERT_EQ(realtime.exitCode, 0) << realtime.err;
     for (const std::string& line : LinesStartingWith(dir + "/rt.txt", "proc.setupProcessing"))
         EXPECT_EQ(line.rfind("proc.setupProcessing mode=0 ", 0), 0u) << line;
+}
+
+// --- Latency ---------------------------------------------------------------
+
+namespace {
+
+const std::string kLatencyStandard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/Latency.aaxplugin";
+const std::string kLatencyClassic = std::string(AAXHOST_BUNDLE_DIR) + "/Latency.aaxplugin";
+constexpr int kRate = 48000;
+
+// The test input's first channel, as aaxhost feeds it.
+float Input(int64_t sample) { return TestInputSample(0, sample, kRate); }
+
+// How many samples of `out` differ from the input `delay` samples earlier
+// (silence before the input began), from `from` on.
+size_t SamplesOutOfTime(const std::vector<float>& out, int64_t delay, size_t from = 0)
+{
+    size_t wrong = 0;
+    for (size_t s = from; s < out.size(); ++s) {
+        const int64_t source = static_cast<int64_t>(s) - delay;
+        const float expected = source < 0 ? 0.0f : Input(source);
+        wrong += out[s] != expected ? 1 : 0;
+    }
+    return wrong;
+}
+
+}  // namespace
+
+// The plug-in's latency is its parameter: 0.25 gives 500 samples, and every
+// change reaches the host through SetSignalLatency, in order.
+TEST(Latency, TheReportedLatencyFollowsEveryChange)
+{
+    const SRunResult params = RunHost({"params", kLatencyStandard, "--json"});
+    ASSERT_EQ(params.exitCode, 0) << params.err;
+    EXPECT_EQ(params.Json()["wrapper"]["latency"], 500) << params.out;
+    const SRunResult described = RunHost({"describe", kLatencyStandard, "--json"});
+    ASSERT_EQ(described.exitCode, 0) << described.err;
+    EXPECT_EQ(described.Json()["wrapper"]["latency"], 500) << described.out;
+
+    const std::string dir = TempDir("latency-changes");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.4", "--test-input", "--set",
+                                  "0=0.1@0.1", "--set", "0=0.8@0.2", "--set", "0=0@0.3", "--json", "--out",
+                                  dir + "/out.wav"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const nlohmann::json report = r.Json();
+    const nlohmann::json& instance = report["instances"][0];
+    EXPECT_EQ(instance["latencies"], nlohmann::json::parse("[500, 200, 1600, 0]")) << r.out;
+    EXPECT_EQ(instance["latency"], 0);
+
+    // CLASSIC never reported one.
+    const SRunResult classic = RunHost({"params", kLatencyClassic, "--json"});
+    ASSERT_EQ(classic.exitCode, 0) << classic.err;
+    EXPECT_EQ(classic.Json()["wrapper"]["latency"], 0);
+}
+
+// The compensated render is the plug-in hosted directly moved earlier by its
+// latency, sample for sample: here, the input itself.
+TEST(Latency, CompensatedRenderLinesUpWithThePlugInHostedDirectly)
+{
+    const std::string dir = TempDir("latency-compensate");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.25", "--block", "333", "--test-input",
+                                  "--compensate", "--json", "--out", dir + "/out.wav"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.Json()["latency_compensated"], 500) << r.out;
+    const auto wrapped = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(wrapped.size(), 2u);
+    ASSERT_EQ(wrapped[0].size(), 12000u);  // as long as asked
+
+    AAXDirect::SDirectRenderConfig config;
+    config.libraryPath = AAXHOST_LATENCY_VST2;
+    config.sampleRate = kRate;
+    config.blockSize = 333;
+    config.totalSamples = 12000 + 500;
+    config.testInput = true;
+    config.standardHost = true;
+    AAXHost::CMidiSchedule none;
+    AAXDirect::SDirectRenderResult direct;
+    std::string error;
+    ASSERT_TRUE(AAXDirect::RenderDirect(config, none, direct, error)) << error;
+    EXPECT_EQ(direct.latency, 500);
+    for (size_t c = 0; c < 2; ++c) {
+        const std::vector<float> moved(direct.outputs[c].begin() + 500, direct.outputs[c].end());
+        EXPECT_EQ(MaxDifference(wrapped[c], moved), 0.0) << "channel " << c;
+    }
+    EXPECT_EQ(SamplesOutOfTime(wrapped[0], 0), 0u);
+}
+
+// Switching the master bypass on plays the input as late as the plug-in did,
+// on the main pair and every stem; switched off, the plug-in is in time again
+// once its own delay line (not run while bypassed) has refilled.
+TEST(Latency, BypassToggledMidRenderKeepsTime)
+{
+    const std::string dir = TempDir("latency-bypass");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.3", "--block", "256", "--test-input",
+                                  "--set", "MasterBypassID=1@0.1", "--set", "MasterBypassID=0@0.2", "--out",
+                                  dir + "/out.wav", "--stems", dir + "/stems"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto out = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(out.size(), 2u);
+    // A timed set applies from the start of the buffer that holds its time.
+    const size_t on = 4800 / 256 * 256, off = 9600 / 256 * 256;
+    const std::vector<float> untilOff(out[0].begin(), out[0].begin() + static_cast<long>(off));
+    EXPECT_EQ(SamplesOutOfTime(untilOff, 500), 0u) << "the plug-in, then the bypass";
+    EXPECT_EQ(SamplesOutOfTime(out[0], 500, off + 500), 0u) << "the plug-in again";
+    // In between, the plug-in plays what its delay line held when bypassed.
+    EXPECT_GT(SamplesOutOfTime(out[0], 500, off), 0u);
+    // Bypassed, stem 3's left channel is input 8, as late.
+    const auto stem = ReadWavChannels(dir + "/stems/OutputStem_3.wav");
+    ASSERT_EQ(stem.size(), 2u);
+    size_t wrong = 0;
+    for (size_t s = on; s < off; ++s)
+        wrong += stem[0][s] != TestInputSample(8, static_cast<int64_t>(s) - 500, kRate) ? 1 : 0;
+    EXPECT_EQ(wrong, 0u);
+}
+
+// Debian plug-ins that declare a latency once they run (a look-ahead
+// limiter each) report it through the wrapper as they do hosted directly.
+TEST(Latency, DebianPluginsReportTheLatencyTheyDeclareHostedDirectly)
+{
+    for (const std::string name : {"ZaMaximX2", "ZaMaximX2v3", "LspLimiter"}) {
+        const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/latency/" + name + ".aaxplugin";
+        const std::string dir = TempDir("latency-" + name);
+        const SRunResult wrapped =
+            RunHost({"render", bundle, "--seconds", "0.5", "--test-input", "--json", "--out", dir + "/out.wav"});
+        ASSERT_EQ(wrapped.exitCode, 0) << name << ": " << wrapped.err;
+        const SRunResult direct = RunHost({"render-direct", bundle, "--seconds", "0.5", "--test-input", "--json"});
+        ASSERT_EQ(direct.exitCode, 0) << name << ": " << direct.err;
+        const int latency = wrapped.Json()["instances"][0]["latency"].get<int>();
+        EXPECT_GT(latency, 0) << name;
+        EXPECT_EQ(latency, direct.Json()["latency"].get<int>()) << name << ": " << wrapped.out;
+    }
 }

@@ -164,3 +164,12 @@ void IFakeHost::SetOffline(bool offline)
         return;
     Guarded("SetOffline", [&] { DoSetOffline(offline); });
 }
+
+int32_t IFakeHost::GetLatency()
+{
+    MV_CONTRACT("GetLatency");
+    // CLASSIC never told its host of a latency.
+    if (!IsStandard())
+        return 0;
+    return Guarded("GetLatency", int32_t{0}, [&] { return DoGetLatency(); });
+}

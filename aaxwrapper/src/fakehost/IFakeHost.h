@@ -74,6 +74,13 @@ public:
     // (it may set up again, with processing held off meanwhile).
     void SetOffline(bool offline);
 
+    // --- Main thread: what the host compensates. --------------------------
+    // The plug-in's latency in samples, as it last declared it (STANDARD;
+    // CLASSIC reports none). Cheap enough for every timer wake-up: VST 2
+    // reads initialDelay, VST 3 gives what it read when the component was
+    // last switched on.
+    int32_t GetLatency();
+
     // --- Real-time thread: never blocks, never allocates. -------------------
     // One buffer, as the front end read it from the AAX context. A failure
     // here is not caught: the real-time callback ends the buffer for every
@@ -125,6 +132,7 @@ private:
     virtual int32_t DoTimerWakeup() { return 0; }
     virtual void DoApplyPendingSettings() {}
     virtual void DoSetOffline(bool /*offline*/) {}
+    virtual int32_t DoGetLatency() { return 0; }
     virtual void DoProcess(const CProcessBlock& block) = 0;
 
     AAX_CEffectParameters& mEffectParameters;

@@ -49,6 +49,7 @@ private:
     std::string DoGetLoadError() const override { return mLoadError; }
     void DoApplyPendingSettings() override;
     void DoSetOffline(bool offline) override { mOffline.store(offline, std::memory_order_relaxed); }
+    int32_t DoGetLatency() override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override;

@@ -159,6 +159,8 @@ void CFakeHostVST3::DoSetOffline(bool offline)
         mVst3Loader->setOffline(offline);
 }
 
+int32_t CFakeHostVST3::DoGetLatency() { return mVst3Loader ? mVst3Loader->getLatency() : 0; }
+
 void CFakeHostVST3::DoQuit()
 {
     MV_LOG("fakehost", kLogInfo, "Quit");

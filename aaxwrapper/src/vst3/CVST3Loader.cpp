@@ -369,6 +369,11 @@ bool CVST3Loader::setOffline(bool offline)
 bool CVST3Loader::reactivate(double sampleRate)
 {
     Morvane::CProcessGateClosed closed(mGate);
+    mReactivating = true;
+    struct SDone {
+        bool& flag;
+        ~SDone() { flag = false; }
+    } done{mReactivating};
     if (mActive) {
         if (mProcessingStarted)
             mProcessor->setProcessing(false);
@@ -379,6 +384,11 @@ bool CVST3Loader::reactivate(double sampleRate)
     MV_LOG("fakehost", kLogInfo, "VST3 - set up at ", sampleRate, " Hz, at most ", mMaxBlock, " samples");
     const bool configured = configureProcessing(sampleRate);
     mActive = mComponent->setActive(true) == kResultOk;
+    // The latency is only valid once the component is on again.
+    if (mActive && mStandard) {
+        mLatency = static_cast<int32>(std::min<uint32>(mProcessor->getLatencySamples(), 0x7FFFFFFF));
+        MV_LOG("fakehost", kLogInfo, "VST3 - latency ", mLatency, " samples");
+    }
     return configured && mActive;
 }
 

@@ -64,6 +64,8 @@ public:
     // STANDARD, main thread: the process mode (offline or real time); an
     // active component is set up again, switched off meanwhile.
     bool setOffline(bool offline);
+    // STANDARD: the processor's latency, read each time it is switched on.
+    Steinberg::int32 getLatency() const { return mLatency; }
     // The AAX side, told of the plug-in's own edits.
     void setEditListener(IPluginEditListener* listener) { mEditListener = listener; }
     // Why the pair could not be made; empty when it was.
@@ -190,6 +192,8 @@ private:
     const Steinberg::int32 mMaxBlock;
     double mSampleRate = 0.0;
     bool mOffline = false;
+    Steinberg::int32 mLatency = 0;
+    bool mReactivating = false;  // a restart asked for from inside setActive waits for its end
     std::string mLoadError;
     IPluginEditListener* mEditListener = nullptr;
     Morvane::CProcessGate mGate;
