@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "AAXWrapper_BypassDelay.h"
 #include "AAXWrapper_Parameters.h"
 #include "CException.h"
 #include "ThreadRole.h"
@@ -53,6 +54,31 @@ void Silence(const S_Alg_Context& context, size_t bytes)
     }
 }
 
+// True when the buffer is done (bypassed); otherwise the plug-in plays it.
+bool DelayedBypass(AAXWrapper_Parameters& wrapper, const S_Alg_Context& context, bool bypassed)
+{
+    const int32_t frames = context.mBufferLength != nullptr ? *context.mBufferLength : 0;
+    // The delay line is replaced only with this gate closed.
+    if (!wrapper.ProcessGate().TryEnter()) {
+        if (bypassed)
+            PassThrough(context, BufferBytes(context));
+        return bypassed;
+    }
+    Morvane::CProcessGateLeave leave(wrapper.ProcessGate());
+    CBypassDelay* delay = wrapper.BypassDelay();
+    if (!bypassed) {
+        // Before the plug-in runs: it may write its outputs over the inputs.
+        if (delay != nullptr)
+            delay->Feed(context, frames);
+        return false;
+    }
+    if (delay != nullptr)
+        delay->Run(context, frames);
+    else
+        PassThrough(context, BufferBytes(context));
+    return true;
+}
+
 }  // namespace
 
 void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[], const void* inInstancesEnd)
@@ -66,15 +92,21 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
                 continue;
             const size_t bytes = BufferBytes(*context);
 
-            if (context->mBypass != nullptr && *context->mBypass != 0) {
+            const bool bypassed = context->mBypass != nullptr && *context->mBypass != 0;
+            AAXWrapper_Parameters* wrapper = nullptr;
+            if (context->mPrivateData != nullptr)
+                std::memcpy(&wrapper, context->mPrivateData, sizeof(wrapper));
+            // A plug-in with latency: the bypass plays the input as late as
+            // the plug-in would, and so hears every buffer.
+            if (wrapper != nullptr && wrapper->DelaysBypass()) {
+                if (DelayedBypass(*wrapper, *context, bypassed))
+                    continue;
+            } else if (bypassed) {
                 PassThrough(*context, bytes);
                 continue;
             }
             if (context->mPrivateData == nullptr)
                 continue;
-
-            AAXWrapper_Parameters* wrapper = nullptr;
-            std::memcpy(&wrapper, context->mPrivateData, sizeof(wrapper));
             if (wrapper == nullptr || wrapper->IsLoadingState()) {
                 Silence(*context, bytes);
                 continue;

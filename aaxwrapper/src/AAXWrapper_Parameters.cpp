@@ -217,6 +217,7 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
         return AAX_SUCCESS;
 
     CallFakeHost("EffectInit", [&] { PublishPluginParameters(); });
+    ReportLatency();
     return AAX_SUCCESS;
 }
 
@@ -468,8 +469,47 @@ AAX_Result AAXWrapper_Parameters::TimerWakeup()
     if (mFakeHost != nullptr) {
         mFakeHost->ApplyPendingSettings();
         CallFakeHost("TimerWakeup", [&] { SyncHeldValues(); });
+        ReportLatency();
     }
     return AAX_CEffectParameters::TimerWakeup();
+}
+
+void AAXWrapper_Parameters::ReportLatency()
+{
+    if (mFakeHost == nullptr || !IsStandard())
+        return;
+    const int32_t latency = mFakeHost->GetLatency();
+    if (latency == mReportedLatency)
+        return;
+    // Made here, off the audio thread; swapped with the gate closed, so no
+    // bypassed buffer is inside the old line when it goes.
+    std::unique_ptr<CBypassDelay> line = latency > 0 ? std::make_unique<CBypassDelay>(latency) : nullptr;
+    if (line != nullptr)
+        mBypassDelayed.store(true, std::memory_order_relaxed);
+    {
+        Morvane::CProcessGateClosed closed(mProcessGate);
+        mBypassDelay.swap(line);
+    }
+    if (mBypassDelay == nullptr)
+        mBypassDelayed.store(false, std::memory_order_relaxed);
+    mReportedLatency = latency;
+    MV_LOG("fakehost", kLogInfo, "Latency ", latency, " samples");
+    if (AAX_IController* controller = Controller())
+        controller->SetSignalLatency(latency);
+}
+
+AAX_Result AAXWrapper_Parameters::NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,
+                                                       uint32_t inNotificationDataSize)
+{
+    if (inNotificationType == kWrapperNotificationOffline && mFakeHost != nullptr) {
+        // A payload too short for its word reads as real time.
+        int32_t word = 0;
+        if (inNotificationData != nullptr && inNotificationDataSize >= sizeof(word))
+            std::memcpy(&word, inNotificationData, sizeof(word));
+        MV_LOG("fakehost", kLogInfo, "Rendering ", word != 0 ? "offline" : "in real time");
+        mFakeHost->SetOffline(word != 0);
+    }
+    return AAX_CEffectParameters::NotificationReceived(inNotificationType, inNotificationData, inNotificationDataSize);
 }
 
 namespace {

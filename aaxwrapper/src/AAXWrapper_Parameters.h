@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "AAXWrapper_BypassDelay.h"
 #include "AAX_CEffectParameters.h"
 #include "ProcessGate.h"
 #include "fakehost/IFakeHost.h"
@@ -37,6 +38,8 @@ public:
 
     // Main thread, periodic: lets the fake host apply what processing saw.
     AAX_Result TimerWakeup() override;
+    AAX_Result NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,
+                                    uint32_t inNotificationDataSize) override;
     // kWrapperStatusBlockID: whether the wrapped plug-in runs, and why not.
     AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
                              uint32_t* oDataWritten) const override;
@@ -48,6 +51,10 @@ public:
     // Entered by the real-time callback around Process; a state restore
     // closes it, so that it never runs beside a process call.
     Morvane::CProcessGate& ProcessGate() const { return mProcessGate; }
+    // STANDARD with latency: the bypass plays a delay line (used inside the
+    // gate only; replaced with the gate closed).
+    bool DelaysBypass() const { return mBypassDelayed.load(std::memory_order_relaxed); }
+    CBypassDelay* BypassDelay() const { return mBypassDelay.get(); }
 
     // Test seam: when set, the constructor asks this function for the fake
     // host instead of choosing one by extension (path is what the file search
@@ -78,6 +85,9 @@ private:
     // parameter, since setting one may move others (linked controls).
     void SyncHeldValues();
     bool IsStandard() const;
+    // Main thread: the plug-in's latency to the host, and the bypass's delay
+    // line to match, when it changed.
+    void ReportLatency();
 
     std::unique_ptr<IFakeHost> mFakeHost;
     std::string mPluginPath;   // what the file search found; empty when nothing
@@ -110,4 +120,7 @@ private:
     mutable bool mSnapshotTaken = false;
     // A host change reached the plug-in since the values were last read back.
     std::atomic<bool> mHeldValuesStale{false};
+    std::unique_ptr<CBypassDelay> mBypassDelay;
+    std::atomic<bool> mBypassDelayed{false};
+    int32_t mReportedLatency = 0;
 };

@@ -13,3 +13,11 @@
 #include <cstdint>
 
 constexpr uint32_t kWrapperStatusBlockID = 0x4D765753;  // 'MvWS'
+
+// What a host tells a wrapper instance, as a notification
+// (AAX_IEffectParameters::NotificationReceived) with a 32-bit word:
+//   kWrapperNotificationOffline: 1 when the buffers that follow are rendered
+//   offline (faster or slower than real time, e.g. a bounce), 0 when they
+//   are played in real time again. A STANDARD wrapper hands it to the
+//   plug-in (VST 2 process level, VST 3 process mode); CLASSIC ignores it.
+constexpr uint32_t kWrapperNotificationOffline = 0x4D764F66;  // 'MvOf'

@@ -6,6 +6,10 @@
 #include <cstring>
 #include <limits>
 
+#if defined(__x86_64__)
+#include <xmmintrin.h>
+#endif
+
 namespace Vst2Probe {
 namespace {
 
@@ -63,6 +67,14 @@ VstIntPtr DispatcherProc(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIn
     }
     return probe->Dispatch(opcode, index, value, ptr, opt);
 }
+
+#if defined(__x86_64__)
+bool FlushesToZero() { return (_mm_getcsr() & 0x8000u) != 0; }
+bool DenormalsAreZero() { return (_mm_getcsr() & 0x0040u) != 0; }
+#else
+bool FlushesToZero() { return false; }
+bool DenormalsAreZero() { return false; }
+#endif
 
 void ProcessReplacingProc(AEffect* effect, float** inputs, float** outputs, VstInt32 frames)
 {
@@ -276,6 +288,11 @@ void CProbe::ProcessReplacing(float** inputs, float** outputs, VstInt32 frames)
         mRecorder.Line("time null");
     mRecorder.Line("process frames=%d inputs=%s outputs=%s", frames, inputs != nullptr ? "set" : "null",
                    outputs != nullptr ? "set" : "null");
+    // What the host set around this call: the floating-point mode and the
+    // process level it answers.
+    const VstIntPtr level = mHost(&mEffect, audioMasterGetCurrentProcessLevel, 0, 0, nullptr, 0.0f);
+    mRecorder.Line("mode ftz=%d daz=%d level=%ld", FlushesToZero() ? 1 : 0, DenormalsAreZero() ? 1 : 0,
+                   static_cast<long>(level));
 
     RunActions(frames);
 

@@ -6,6 +6,10 @@
 
 #include <thread>
 
+#if defined(__x86_64__)
+#include <xmmintrin.h>
+#endif
+
 #include "Vst2TestSupport.h"
 
 using namespace Vst2Test;
@@ -157,3 +161,22 @@ TEST_F(StandardProbe, AnEventCarriesOnlyTheDataBytesItsPacketCounts)
         data.push_back(line.substr(line.find("data="), 16));
     EXPECT_EQ(data, (std::vector<std::string>{"data=c0 05 00 00", "data=00 00 00 00", "data=90 3c 64 11"}));
 }
+
+#if defined(__x86_64__)
+// Flushing is the plug-in's condition, not the caller's: the AAX host's
+// own mode is back when Process returns, whatever it was.
+TEST_F(StandardProbe, TheCallersFloatingPointModeIsBackAfterProcess)
+{
+    CTestContext ctx(64, 44100.0f);
+    const unsigned saved = _mm_getcsr();
+    for (const unsigned mode : {saved & ~0x8040u, saved | 0x8000u}) {
+        _mm_setcsr(mode);
+        record.Clear();
+        host->Process(ctx.Block());
+        const unsigned after = _mm_getcsr();
+        _mm_setcsr(saved);
+        EXPECT_EQ(after, mode);
+        EXPECT_EQ(record.LinesStartingWith("mode ftz=1 daz=1 ").size(), 1u);
+    }
+}
+#endif

@@ -155,3 +155,21 @@ void IFakeHost::ApplyPendingSettings()
     MV_CONTRACT("ApplyPendingSettings");
     Guarded("ApplyPendingSettings", [&] { DoApplyPendingSettings(); });
 }
+
+void IFakeHost::SetOffline(bool offline)
+{
+    MV_CONTRACT("SetOffline");
+    // CLASSIC never told a plug-in how it was rendered.
+    if (!IsStandard())
+        return;
+    Guarded("SetOffline", [&] { DoSetOffline(offline); });
+}
+
+int32_t IFakeHost::GetLatency()
+{
+    MV_CONTRACT("GetLatency");
+    // CLASSIC never told its host of a latency.
+    if (!IsStandard())
+        return 0;
+    return Guarded("GetLatency", int32_t{0}, [&] { return DoGetLatency(); });
+}

@@ -13,6 +13,7 @@
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
+#include "fakehost/DenormalScope.h"
 #include "fakehost/FakeHostResults.h"
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
@@ -68,6 +69,18 @@ public:
     // held off meanwhile (the audio thread is never made to wait).
     void ApplyPendingSettings();
 
+    // --- Main thread, from the host's notifications. ----------------------
+    // Whether buffers are now rendered offline; STANDARD tells the plug-in
+    // (it may set up again, with processing held off meanwhile).
+    void SetOffline(bool offline);
+
+    // --- Main thread: what the host compensates. --------------------------
+    // The plug-in's latency in samples, as it last declared it (STANDARD;
+    // CLASSIC reports none). Cheap enough for every timer wake-up: VST 2
+    // reads initialDelay, VST 3 gives what it read when the component was
+    // last switched on.
+    int32_t GetLatency();
+
     // --- Real-time thread: never blocks, never allocates. -------------------
     // One buffer, as the front end read it from the AAX context. A failure
     // here is not caught: the real-time callback ends the buffer for every
@@ -75,6 +88,8 @@ public:
     void Process(const CProcessBlock& block)
     {
         MV_REAL_TIME("IFakeHost::Process");
+        // STANDARD hosts flush denormals around the plug-in; CLASSIC never did.
+        const CDenormalScope denormals(IsStandard());
         DoProcess(block);
     }
 
@@ -116,6 +131,8 @@ private:
     virtual SViewSize DoGetViewSize() = 0;
     virtual int32_t DoTimerWakeup() { return 0; }
     virtual void DoApplyPendingSettings() {}
+    virtual void DoSetOffline(bool /*offline*/) {}
+    virtual int32_t DoGetLatency() { return 0; }
     virtual void DoProcess(const CProcessBlock& block) = 0;
 
     AAX_CEffectParameters& mEffectParameters;

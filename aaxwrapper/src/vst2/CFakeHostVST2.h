@@ -48,6 +48,8 @@ private:
     void DoQuit() override;
     std::string DoGetLoadError() const override { return mLoadError; }
     void DoApplyPendingSettings() override;
+    void DoSetOffline(bool offline) override { mOffline.store(offline, std::memory_order_relaxed); }
+    int32_t DoGetLatency() override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override;
@@ -137,6 +139,7 @@ private:
     CVST2PluginLoader::EntryFunction mEntry;  // until Init creates the effect
     double mSampleRate = kDefaultSampleRate;        // what the effect was set up with
     std::atomic<double> mPendingRate{0.0};          // a different rate processing saw; 0: none
+    std::atomic<bool> mOffline{false};              // the host renders offline (STANDARD)
     Morvane::CProcessGate mGate;
     // The event records and the list pointing at them in order, made at
     // Init; the list's slots are put back in order after a buffer sorted them.

@@ -97,6 +97,17 @@ VstIntPtr CFakeHostVST2::StandardCallback(VstInt32 opcode, VstInt32 index, VstIn
         return 1;
     case audioMasterGetVendorVersion:
         return 1;
+    case audioMasterIOChanged:
+        // Often called from the process call; the main thread reads the new
+        // initialDelay at its next wake-up (see DoGetLatency).
+        return 1;
+    case audioMasterGetCurrentProcessLevel:
+        // Offline wins; otherwise the process thread is real time and every
+        // other thread is the user's.
+        if (mOffline.load(std::memory_order_relaxed))
+            return kVstProcessLevelOffline;
+        return pthread_equal(pthread_self(), mProcessThread.load(std::memory_order_relaxed)) ? kVstProcessLevelRealtime
+                                                                                              : kVstProcessLevelUser;
     case audioMasterCanDo: {
         static const char* const kCanDo[] = {"sendVstEvents", "sendVstMidiEvent", "sendVstTimeInfo",
                                              "receiveVstEvents", "receiveVstMidiEvent", "sizeWindow"};
@@ -155,4 +166,15 @@ VstIntPtr CFakeHostVST2::SizeWindow(VstInt32 width, VstIntPtr height)
         viewContainer->SetViewSize(size);
     }
     return 1;
+}
+
+// The field is read at every call, not only after audioMasterIOChanged:
+// some plug-ins (DPF's, e.g. ZaMaximX2) set initialDelay inside their
+// process call without telling the host. The audio thread may write it
+// meanwhile, hence the atomic read.
+int32_t CFakeHostVST2::DoGetLatency()
+{
+    if (effect == nullptr)
+        return 0;
+    return std::max<int32_t>(0, __atomic_load_n(&effect->initialDelay, __ATOMIC_RELAXED));
 }

@@ -166,6 +166,15 @@ enum AudioMasterOpcodes : VstInt32 {
     audioMasterCloseFileSelector = 46,
 };
 
+// Answers to audioMasterGetCurrentProcessLevel.
+enum VstProcessLevels {
+    kVstProcessLevelUnknown = 0,
+    kVstProcessLevelUser = 1,
+    kVstProcessLevelRealtime = 2,
+    kVstProcessLevelPrefetch = 3,
+    kVstProcessLevelOffline = 4,
+};
+
 // Text buffer sizes the interface promises (including the terminator).
 constexpr int kVstMaxProgNameLen = 24;
 constexpr int kVstMaxParamStrLen = 8;

@@ -153,6 +153,14 @@ void CFakeHostVST3::DoApplyPendingSettings()
         mVst3Loader->activate(rate);
 }
 
+void CFakeHostVST3::DoSetOffline(bool offline)
+{
+    if (mVst3Loader)
+        mVst3Loader->setOffline(offline);
+}
+
+int32_t CFakeHostVST3::DoGetLatency() { return mVst3Loader ? mVst3Loader->getLatency() : 0; }
+
 void CFakeHostVST3::DoQuit()
 {
     MV_LOG("fakehost", kLogInfo, "Quit");

@@ -40,6 +40,8 @@ private:
     void DoQuit() override;
     std::string DoGetLoadError() const override { return mLoadError; }
     void DoApplyPendingSettings() override;
+    void DoSetOffline(bool offline) override;
+    int32_t DoGetLatency() override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override { return 0; }

@@ -335,7 +335,7 @@ bool CVST3Loader::setupProcessing(double hostSampleRate)
 bool CVST3Loader::configureProcessing(double sampleRate)
 {
     ProcessSetup setup{};
-    setup.processMode = kRealtime;
+    setup.processMode = mOffline ? kOffline : kRealtime;
     setup.symbolicSampleSize = kSample32;
     setup.maxSamplesPerBlock = mMaxBlock;
     setup.sampleRate = sampleRate;
@@ -349,7 +349,31 @@ bool CVST3Loader::activate(double sampleRate)
         return false;
     if (mActive && sampleRate == mSampleRate)
         return true;
+    return reactivate(sampleRate);
+}
+
+bool CVST3Loader::setOffline(bool offline)
+{
+    if (offline == mOffline)
+        return true;
+    mOffline = offline;
+    MV_LOG("fakehost", kLogInfo, "VST3 - process mode ", offline ? "offline" : "real time");
+    // Not yet switched on: the first set-up carries the mode.
+    if (!mActive || !mProcessor || !mComponent)
+        return true;
+    return reactivate(mSampleRate);
+}
+
+// The set-up may only change while the component is off, so it is switched
+// off and on around it, with no process call in between.
+bool CVST3Loader::reactivate(double sampleRate)
+{
     Morvane::CProcessGateClosed closed(mGate);
+    mReactivating = true;
+    struct SDone {
+        bool& flag;
+        ~SDone() { flag = false; }
+    } done{mReactivating};
     if (mActive) {
         if (mProcessingStarted)
             mProcessor->setProcessing(false);
@@ -360,6 +384,11 @@ bool CVST3Loader::activate(double sampleRate)
     MV_LOG("fakehost", kLogInfo, "VST3 - set up at ", sampleRate, " Hz, at most ", mMaxBlock, " samples");
     const bool configured = configureProcessing(sampleRate);
     mActive = mComponent->setActive(true) == kResultOk;
+    // The latency is only valid once the component is on again.
+    if (mActive && mStandard) {
+        mLatency = static_cast<int32>(std::min<uint32>(mProcessor->getLatencySamples(), 0x7FFFFFFF));
+        MV_LOG("fakehost", kLogInfo, "VST3 - latency ", mLatency, " samples");
+    }
     return configured && mActive;
 }
 

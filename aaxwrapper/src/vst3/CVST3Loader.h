@@ -61,6 +61,11 @@ public:
     // STANDARD, main thread: set up at this rate and switch the component on;
     // again (switched off meanwhile, processing held off) on a rate change.
     bool activate(double sampleRate);
+    // STANDARD, main thread: the process mode (offline or real time); an
+    // active component is set up again, switched off meanwhile.
+    bool setOffline(bool offline);
+    // STANDARD: the processor's latency, read each time it is switched on.
+    Steinberg::int32 getLatency() const { return mLatency; }
     // The AAX side, told of the plug-in's own edits.
     void setEditListener(IPluginEditListener* listener) { mEditListener = listener; }
     // Why the pair could not be made; empty when it was.
@@ -139,6 +144,7 @@ private:
     void createStandardController();
     void queryControllerExtensions();
     bool configureProcessing(double sampleRate);
+    bool reactivate(double sampleRate);
     void rereadParameterValues();
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
@@ -185,6 +191,9 @@ private:
     const bool mStandard;
     const Steinberg::int32 mMaxBlock;
     double mSampleRate = 0.0;
+    bool mOffline = false;
+    Steinberg::int32 mLatency = 0;
+    bool mReactivating = false;  // a restart asked for from inside setActive waits for its end
     std::string mLoadError;
     IPluginEditListener* mEditListener = nullptr;
     Morvane::CProcessGate mGate;

@@ -55,12 +55,17 @@ tresult PLUGIN_API CVST3Loader::restartComponent(int32 flags)
     }
     if (mStandard && (flags & kParamValuesChanged))
         rereadParameterValues();
-    // Accepted but not acted upon: values and titles are read when needed,
-    // and the AAX side has no latency to report.
+    // Accepted but not acted upon: values and titles are read when needed.
     if (flags & (kParamValuesChanged | kParamTitlesChanged))
         result = kResultOk;
-    if ((flags & kLatencyChanged) && mProcessor)
+    // STANDARD: the component is switched off and on, after which the new
+    // latency is read (reactivate does both, with processing held off).
+    if ((flags & kLatencyChanged) && mProcessor) {
+        // Asked from inside setActive, the latency is read at its end anyway.
+        if (mStandard && mActive && !mReactivating)
+            reactivate(mSampleRate);
         result = kResultOk;
+    }
     if (flags & kMidiCCAssignmentChanged) {
         initMidiCtrlerAssignment();
         result = kResultOk;

@@ -163,7 +163,8 @@ void PrintDescription(std::ostream& out, const SPluginInfo& info, const SDescrib
             << (where.wrapper.loaded ? "" : " (not loaded: " + where.wrapper.error + ")") << "\n";
     if (where.wrapper.present && where.wrapper.loaded)
         out << "Wrapped vendor:  " << where.wrapper.vendor << "\n"
-            << "Wrapped version: " << where.wrapper.version << "\n";
+            << "Wrapped version: " << where.wrapper.version << "\n"
+            << "Latency:         " << where.wrapper.latency << " samples\n";
     out
         << "SDK version:     " << Hex(info.sdkVersion, 16) << "\n"
         << "Manufacturer:    " << info.manufacturerName << "\n";

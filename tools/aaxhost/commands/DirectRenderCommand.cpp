@@ -110,6 +110,7 @@ int RunDirectRender(const SDirectRenderRequest& request)
             }
         }
     }
+    const int32_t latency = direct->Latency();
     direct.reset();
 
     nlohmann::json channels = nlohmann::json::array();
@@ -123,11 +124,13 @@ int RunDirectRender(const SDirectRenderRequest& request)
                        {"plugin", plugin},
                        {"sample_rate", request.sampleRate},
                        {"samples", total},
+                       {"latency", latency},
                        {"channels", channels}});
         return 0;
     }
-    std::printf("%s hosted directly: %lld samples at %g Hz, %zu output channels\n", plugin.c_str(),
-                static_cast<long long>(total), request.sampleRate, levels.size());
+    std::printf("%s hosted directly: %lld samples at %g Hz, %zu output channels, latency %d samples\n",
+                plugin.c_str(), static_cast<long long>(total), request.sampleRate, levels.size(),
+                static_cast<int>(latency));
     for (size_t c = 0; c < levels.size(); ++c) {
         const SChannelLevel& l = levels[c];
         if (l.peak <= 0.0 && l.nan == 0 && l.inf == 0)

@@ -93,7 +93,8 @@ nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params, const
 void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& params, const SWrapperStatus& wrapper)
 {
     if (wrapper.present)
-        out << "host mode " << wrapper.mode << ", wrapping " << wrapper.plugin << "\n";
+        out << "host mode " << wrapper.mode << ", wrapping " << wrapper.plugin << ", latency " << wrapper.latency
+            << " samples\n";
     char line[256];
     for (const auto& p : params) {
         std::snprintf(line, sizeof line, "%-16s %-24s value %.4f (default %.4f) \"%s\" steps %d%s%s\n", p.id.c_str(),

@@ -38,6 +38,8 @@ struct SRenderConfig {
     std::string plotPath;  // PNG picture of the render; empty: none
     int32_t instances = 1;
     bool stopped = false;     // the transport reports stopped, at the song start
+    bool offline = false;     // the effect is told the render is offline
+    bool compensate = false;  // the latency reported before the first buffer is trimmed from the files
     double editorAt = -1.0;   // < 0: no view; else instance 0's view opens at this time
     bool editorWindow = true;  // the view gets an X11 window when DISPLAY is set
     bool editorClick = false;  // a pointer click once the view is up

@@ -102,7 +102,8 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
             automation.push_back({{"kind", a.kind}, {"parameter", a.parameterID}, {"value", a.value},
                                   {"sample", a.samplePosition}, {"origin", a.fromHost ? "host" : "plugin"}});
         instances.push_back({{"files", inst.files}, {"channels", channels}, {"midi_in", inst.midiIn},
-                             {"midi_out", midiOut}, {"automation", automation}});
+                             {"midi_out", midiOut}, {"automation", automation}, {"latency", inst.latency},
+                             {"latencies", inst.latencies}});
     }
     json plot = nullptr;
     if (!report.plot.file.empty())
@@ -115,6 +116,7 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
             {"seconds", report.sampleRate > 0 ? static_cast<double>(report.totalSamples) / report.sampleRate : 0.0},
             {"wall_seconds", report.wallSeconds},
             {"process_calls", report.processCalls},
+            {"latency_compensated", report.latencyCompensated},
             {"instances_per_call", report.instances.size()},
             {"instances", instances},
             {"plot", plot}};

@@ -34,6 +34,8 @@ struct SInstanceReport {
     std::vector<SPostedMidi> midiOut;
     std::vector<SAutomationEvent> automation;
     std::vector<std::string> files;
+    int32_t latency = 0;              // the last latency the effect reported
+    std::vector<int32_t> latencies;   // every one it reported, in order
 };
 
 struct SPlotReport {
@@ -49,6 +51,7 @@ struct SRenderReport {
     int64_t totalSamples = 0;
     double wallSeconds = 0.0;
     int64_t processCalls = 0;  // calls of the process procedure, each with every instance
+    int32_t latencyCompensated = 0;  // samples trimmed from the start of every file (--compensate)
     std::vector<SInstanceReport> instances;
     SPlotReport plot;
 };

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "AAXWrapper_Status.h"
 #include "AAX_IDescription.h"
 #include "CrashReport.h"
 #include "EditorSession.h"
@@ -57,7 +58,7 @@ public:
     bool Run()
     {
         return FindProcessProcedure() && ReadMidi() && CreateInstances() && RestoreState() && ApplyBypass() &&
-               OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
+               TellOffline() && OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
     }
 
 private:
@@ -72,6 +73,7 @@ private:
     bool CreateInstances();
     bool RestoreState();
     bool ApplyBypass();
+    bool TellOffline();
     bool OpenAllOutputs();
     bool RenderBlocks();
     bool RenderBlock(const SBlock& block);
@@ -197,6 +199,24 @@ bool CRenderJob::ApplyBypass()
     return true;
 }
 
+// A host that bounces tells its plug-ins before the first buffer.
+bool CRenderJob::TellOffline()
+{
+    if (!mConfig.offline)
+        return true;
+    SetPhase("the offline notification (NotificationReceived)");
+    const int32_t offline = 1;
+    for (auto& inst : mInstances) {
+        const AAX_Result r =
+            inst->Effect()->NotificationReceived(kWrapperNotificationOffline, &offline, sizeof(offline));
+        if (r != AAX_SUCCESS) {
+            mError = "the offline notification failed with " + ResultText(r);
+            return false;
+        }
+    }
+    return true;
+}
+
 bool CRenderJob::OpenAllOutputs()
 {
     mOutputs.resize(mInstances.size());
@@ -221,10 +241,15 @@ bool CRenderJob::RenderBlocks()
 
     SetPhase("rendering");
     const auto started = std::chrono::steady_clock::now();
-    for (const SBlock& block : PlanBlocks(mReport.totalSamples, mConfig.blockSize)) {
+    // As a host compensating the delay: the effect runs that much longer and
+    // its first samples are not written.
+    if (mConfig.compensate)
+        mReport.latencyCompensated = std::max<int32_t>(0, mInstances.front()->Controller()->Latency());
+    const int64_t rendered = mReport.totalSamples + mReport.latencyCompensated;
+    for (const SBlock& block : PlanBlocks(rendered, mConfig.blockSize)) {
         if (!RenderBlock(block))
             return false;
-        progress.Show(block.start + block.frames, mReport.totalSamples);
+        progress.Show(block.start + block.frames, rendered);
     }
     progress.Finish();
     if (mEditor.IsOpen()) {
@@ -312,22 +337,29 @@ void CRenderJob::PrepareInstances(const SBlock& block)
 
 bool CRenderJob::CollectOutputs(const SBlock& block)
 {
+    // With --compensate the samples before the latency are not kept.
+    const int64_t trim = mReport.latencyCompensated;
+    const int32_t skip = static_cast<int32_t>(std::clamp<int64_t>(trim - block.start, 0, block.frames));
+    const int32_t frames = block.frames - skip;
+    if (frames == 0)
+        return true;
+    const int64_t start = block.start + skip - trim;
     if (mPlot) {
         const CHostInstance& first = *mInstances.front();
         mPlotPointers.clear();
         for (int ch = 0; ch < first.OutputChannels(); ++ch)
-            mPlotPointers.push_back(first.Output(ch));
-        mPlot->Add(mPlotPointers.data(), block.start, block.frames);
+            mPlotPointers.push_back(first.Output(ch) + skip);
+        mPlot->Add(mPlotPointers.data(), start, frames);
     }
     for (size_t i = 0; i < mInstances.size(); ++i) {
         const CHostInstance& inst = *mInstances[i];
         for (int ch = 0; ch < inst.OutputChannels(); ++ch)
-            mReport.instances[i].channels[static_cast<size_t>(ch)].Add(inst.Output(ch), block.frames);
+            mReport.instances[i].channels[static_cast<size_t>(ch)].Add(inst.Output(ch) + skip, frames);
         for (auto& f : mOutputs[i]) {
             mChannelPointers.clear();
             for (int c = 0; c < f.channels; ++c)
-                mChannelPointers.push_back(inst.Output(f.firstChannel + c));
-            if (!f.writer->Write(mChannelPointers.data(), block.frames)) {
+                mChannelPointers.push_back(inst.Output(f.firstChannel + c) + skip);
+            if (!f.writer->Write(mChannelPointers.data(), frames)) {
                 mError = "writing audio failed";
                 return false;
             }
@@ -412,6 +444,8 @@ bool CRenderJob::DestroyInstances()
         if (const CHostMidiNode* out = mInstances[i]->MidiOut())
             r.midiOut = out->Posted();
         r.automation = mInstances[i]->Controller()->Automation();
+        r.latency = mInstances[i]->Controller()->Latency();
+        r.latencies = mInstances[i]->Controller()->Latencies();
         mInstances[i]->Destroy();
     }
     return true;

@@ -67,7 +67,7 @@ nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper)
     if (!wrapper.present)
         return nullptr;
     return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin}, {"error", wrapper.error},
-            {"vendor", wrapper.vendor}, {"version", wrapper.version}};
+            {"vendor", wrapper.vendor}, {"version", wrapper.version}, {"latency", wrapper.latency}};
 }
 
 std::string NotLoadedMessage(const SWrapperStatus& status)

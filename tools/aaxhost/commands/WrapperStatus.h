@@ -18,6 +18,7 @@ struct SWrapperStatus {
     std::string error;
     std::string vendor;   // as the wrapped plug-in reports them
     std::string version;
+    int32_t latency = 0;  // samples, as the effect reported it once initialised (SetSignalLatency)
 };
 
 class CPluginSession;

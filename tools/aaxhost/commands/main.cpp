@@ -165,6 +165,11 @@ int main(int argc, char** argv)
     render->add_option("--instances", rc.instances, "Instances processed in one batch")->capture_default_str();
     render->add_option("--effect", rc.effectID, "Effect ID to run (default: the first)");
     render->add_flag("--stopped", rc.stopped, "The transport reports stopped, at the song start");
+    render->add_flag("--compensate", rc.compensate,
+                     "Trim the latency the effect reports before the first buffer from the start of every file "
+                     "(rendering as much longer)");
+    render->add_flag("--offline", rc.offline,
+                     "Tell the effect the render is offline (the wrapper's notification, before the first buffer)");
     render->add_option("--editor-at", rc.editorAt, "Open the view of instance 0 at this time (seconds) until the end")
         ->check(CLI::Range(0.0, 86400.0));
     std::string renderClick;

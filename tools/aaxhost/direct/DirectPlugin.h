@@ -68,6 +68,9 @@ public:
     // The first output channel the plug-in wrote past the end of (its
     // buffers are followed by guard zones), or -1. No allocation.
     virtual int FirstOverrunOutput() const = 0;
+    // Main thread, no audio running: the latency the plug-in declares now
+    // (VST 2 initialDelay, VST 3 getLatencySamples).
+    virtual int32_t Latency() = 0;
 };
 
 std::unique_ptr<IDirectPlugin> MakeDirectVst2Plugin();

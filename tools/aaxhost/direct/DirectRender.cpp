@@ -73,6 +73,7 @@ bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedul
             std::copy(plugin->Output(c), plugin->Output(c) + b.frames,
                       result.outputs[static_cast<size_t>(c)].begin() + b.start);
     }
+    result.latency = plugin->Latency();
     std::string ignored;
     plugin->SaveState(result.chunkAtEnd, ignored);
     return true;

@@ -32,6 +32,7 @@ struct SDirectRenderResult {
     std::vector<std::vector<float>> outputs;  // per channel (at least 34), totalSamples each
     std::vector<char> chunkAtEnd;  // effGetChunk (bank) after the render
     std::vector<float> initialParameters;  // getParameter of each parameter once opened
+    int32_t latency = 0;  // as the plug-in declares it after the render
 };
 
 bool RenderDirect(const SDirectRenderConfig& config, const AAXHost::CMidiSchedule& schedule,

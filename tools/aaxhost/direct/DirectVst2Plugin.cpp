@@ -91,6 +91,8 @@ public:
         Dispatch(effMainsChanged, 0, 1, nullptr);
     }
 
+    int32_t Latency() override { return std::max<int32_t>(mEffect->initialDelay, 0); }
+
     int InputChannels() const override { return std::max(mEffect->numInputs, 0); }
     int OutputChannels() const override { return std::max(mEffect->numOutputs, 0); }
     float* Input(int channel) override { return mInputPtrs[static_cast<size_t>(channel)]; }

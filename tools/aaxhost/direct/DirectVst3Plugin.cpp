@@ -275,6 +275,10 @@ public:
     }
 
     int FirstOverrunOutput() const override { return mOutputStorage.FirstOverrun(); }
+    int32_t Latency() override
+    {
+        return static_cast<int32_t>(std::min<Steinberg::uint32>(mProcessor->getLatencySamples(), 0x7FFFFFFF));
+    }
 
 private:
     bool FindAudioClass()

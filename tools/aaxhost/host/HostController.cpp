@@ -54,6 +54,7 @@ AAX_Result CHostController::GetSignalLatency(int32_t* samples) const { return Wr
 AAX_Result CHostController::SetSignalLatency(int32_t samples)
 {
     mLatency = samples;
+    mLatencies.push_back(samples);
     return AAX_SUCCESS;
 }
 

@@ -74,6 +74,8 @@ public:
     // none (the list would grow without bound).
     void SetRecordAutomation(bool on) { mRecordAutomation = on; }
     int32_t Latency() const { return mLatency; }
+    // Every latency the effect reported, in order.
+    const std::vector<int32_t>& Latencies() const { return mLatencies; }
 
 private:
     ~CHostController() override = default;
@@ -85,6 +87,7 @@ private:
     int32_t mInputStem;
     int32_t mOutputStem;
     int32_t mLatency = 0;
+    std::vector<int32_t> mLatencies;
     const STransportState& mTransport;
     CHostTransport mTransportView;
     AAX_IACFEffectParameters* mEffect = nullptr;  // not owned

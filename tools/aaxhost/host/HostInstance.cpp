@@ -72,6 +72,7 @@ bool CHostInstance::Create(std::string& error)
                                       mTransport);
     const AAX_Result r = mEffect->Initialize(static_cast<AAX_IACFController*>(mController));
     mWrapperStatus = ReadWrapperStatus(*mEffect);
+    mWrapperStatus.latency = mController->Latency();
     // A wrapper around nothing would render silence and look like success.
     const bool notLoaded = mWrapperStatus.present && !mWrapperStatus.loaded;
     if (r != AAX_SUCCESS) {

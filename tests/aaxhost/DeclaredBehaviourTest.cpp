@@ -1,0 +1,241 @@
+// What a STANDARD wrapper sets around its plug-in as mainstream hosts do,
+// seen from inside the plug-in through the built bundles and aaxhost: the
+// floating-point mode of the process call, the offline notification and the
+// plug-in's latency.
+// CLASSIC bundles of the same plug-ins show that nothing changed for them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "DirectRender.h"
+#include "TestSignal.h"
+#include "TestSupport.h"
+
+using namespace AAXHostTest;
+using AAXHost::TestInputSample;
+
+namespace {
+
+const std::string kProbeClassic = std::string(AAXHOST_BUNDLE_DIR) + "/Probe.aaxplugin";
+const std::string kProbeStandard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/Probe.aaxplugin";
+const std::string kSynthStandard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/MrvTestSynth.aaxplugin";
+
+std::vector<std::string> LinesStartingWith(const std::string& path, const std::string& prefix)
+{
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind(prefix, 0) == 0)
+            lines.push_back(line);
+    return lines;
+}
+
+// The probe's "mode" lines (one per process call) of a short render.
+std::vector<std::string> ProbeModes(const std::string& bundle, const std::string& name,
+                                    std::vector<std::string> extra = {})
+{
+    const std::string dir = TempDir(name);
+    const std::string log = dir + "/probe.log";
+    std::vector<std::string> args = {"render", bundle, "--seconds", "0.05", "--block", "512", "--out", dir + "/out.wav"};
+    args.insert(args.end(), extra.begin(), extra.end());
+    const SRunResult r = RunHost(args, {"VST2PROBE_LOG=" + log});
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    return LinesStartingWith(log, "mode ");
+}
+
+}  // namespace
+
+TEST(Declared, StandardFlushesDenormalsInsideTheProcessCallOnlyAndClassicNever)
+{
+    const std::vector<std::string> standard = ProbeModes(kProbeStandard, "ftz-standard");
+    ASSERT_EQ(standard.size(), 5u);  // 2400 samples in buffers of 512
+    for (const std::string& line : standard)
+        EXPECT_EQ(line.rfind("mode ftz=1 daz=1 ", 0), 0u) << line;
+    const std::vector<std::string> classic = ProbeModes(kProbeClassic, "ftz-classic");
+    ASSERT_EQ(classic.size(), 5u);
+    for (const std::string& line : classic)
+        EXPECT_EQ(line.rfind("mode ftz=0 daz=0 ", 0), 0u) << line;
+}
+
+// The VST 2 process level: real time on the audio thread by default,
+// offline once the host said so; CLASSIC keeps its old silence.
+TEST(Declared, Vst2ProcessLevelFollowsTheOfflineNotification)
+{
+    for (const std::string& line : ProbeModes(kProbeStandard, "level-realtime"))
+        EXPECT_NE(line.find(" level=2"), std::string::npos) << line;
+    const std::vector<std::string> offline = ProbeModes(kProbeStandard, "level-offline", {"--offline"});
+    ASSERT_FALSE(offline.empty());
+    for (const std::string& line : offline)
+        EXPECT_NE(line.find(" level=4"), std::string::npos) << line;
+    for (const std::string& line : ProbeModes(kProbeClassic, "level-classic", {"--offline"}))
+        EXPECT_NE(line.find(" level=0"), std::string::npos) << line;
+}
+
+// VST 3: the set-up changes only with the component switched off, and every
+// process call after the notification runs in offline mode (kOffline = 2).
+TEST(Declared, Vst3IsSetUpAgainOfflineWithTheComponentSwitchedOffAndOn)
+{
+    const std::string dir = TempDir("vst3-offline");
+    const std::string trace = dir + "/trace.txt";
+    const SRunResult r = RunHost({"render", kSynthStandard, "--seconds", "0.05", "--offline", "--out", dir + "/out.wav"},
+                                 {"MRV_VST3_TRACE=" + trace});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    std::vector<std::string> sequence;
+    for (const std::string& line : LinesStartingWith(trace, "proc.")) {
+        if (line.rfind("proc.setupProcessing", 0) == 0)
+            sequence.push_back(line.substr(0, line.find(" size=")));
+        else if (line.rfind("proc.setActive", 0) == 0 || line.rfind("proc.setProcessing", 0) == 0)
+            sequence.push_back(line);
+        else if (line.rfind("proc.process ", 0) == 0 && (sequence.empty() || sequence.back() != "process"))
+            sequence.push_back("process");
+    }
+    // The notification comes before the first buffer: off, offline set-up,
+    // on, and only then processing.
+    const auto offline = std::find(sequence.begin(), sequence.end(), "proc.setupProcessing mode=2");
+    ASSERT_NE(offline, sequence.end()) << testing::PrintToString(sequence);
+    ASSERT_TRUE(offline != sequence.begin() && offline + 1 != sequence.end());
+    EXPECT_EQ(*(offline - 1), "proc.setActive 0");
+    EXPECT_EQ(*(offline + 1), "proc.setActive 1");
+    EXPECT_EQ(std::find(sequence.begin(), offline, "process"), offline) << testing::PrintToString(sequence);
+    EXPECT_NE(std::find(offline, sequence.end(), "process"), sequence.end());
+
+    const SRunResult realtime = RunHost({"render", kSynthStandard, "--seconds", "0.05", "--out", dir + "/rt.wav"},
+                                        {"MRV_VST3_TRACE=" + dir + "/rt.txt"});
+    ASSERT_EQ(realtime.exitCode, 0) << realtime.err;
+    for (const std::string& line : LinesStartingWith(dir + "/rt.txt", "proc.setupProcessing"))
+        EXPECT_EQ(line.rfind("proc.setupProcessing mode=0 ", 0), 0u) << line;
+}
+
+// --- Latency ---------------------------------------------------------------
+
+namespace {
+
+const std::string kLatencyStandard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/Latency.aaxplugin";
+const std::string kLatencyClassic = std::string(AAXHOST_BUNDLE_DIR) + "/Latency.aaxplugin";
+constexpr int kRate = 48000;
+
+// The test input's first channel, as aaxhost feeds it.
+float Input(int64_t sample) { return TestInputSample(0, sample, kRate); }
+
+// How many samples of `out` differ from the input `delay` samples earlier
+// (silence before the input began), from `from` on.
+size_t SamplesOutOfTime(const std::vector<float>& out, int64_t delay, size_t from = 0)
+{
+    size_t wrong = 0;
+    for (size_t s = from; s < out.size(); ++s) {
+        const int64_t source = static_cast<int64_t>(s) - delay;
+        const float expected = source < 0 ? 0.0f : Input(source);
+        wrong += out[s] != expected ? 1 : 0;
+    }
+    return wrong;
+}
+
+}  // namespace
+
+// The plug-in's latency is its parameter: 0.25 gives 500 samples, and every
+// change reaches the host through SetSignalLatency, in order.
+TEST(Latency, TheReportedLatencyFollowsEveryChange)
+{
+    const SRunResult params = RunHost({"params", kLatencyStandard, "--json"});
+    ASSERT_EQ(params.exitCode, 0) << params.err;
+    EXPECT_EQ(params.Json()["wrapper"]["latency"], 500) << params.out;
+    const SRunResult described = RunHost({"describe", kLatencyStandard, "--json"});
+    ASSERT_EQ(described.exitCode, 0) << described.err;
+    EXPECT_EQ(described.Json()["wrapper"]["latency"], 500) << described.out;
+
+    const std::string dir = TempDir("latency-changes");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.4", "--test-input", "--set",
+                                  "0=0.1@0.1", "--set", "0=0.8@0.2", "--set", "0=0@0.3", "--json", "--out",
+                                  dir + "/out.wav"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const nlohmann::json report = r.Json();
+    const nlohmann::json& instance = report["instances"][0];
+    EXPECT_EQ(instance["latencies"], nlohmann::json::parse("[500, 200, 1600, 0]")) << r.out;
+    EXPECT_EQ(instance["latency"], 0);
+
+    // CLASSIC never reported one.
+    const SRunResult classic = RunHost({"params", kLatencyClassic, "--json"});
+    ASSERT_EQ(classic.exitCode, 0) << classic.err;
+    EXPECT_EQ(classic.Json()["wrapper"]["latency"], 0);
+}
+
+// The compensated render is the plug-in hosted directly moved earlier by its
+// latency, sample for sample: here, the input itself.
+TEST(Latency, CompensatedRenderLinesUpWithThePlugInHostedDirectly)
+{
+    const std::string dir = TempDir("latency-compensate");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.25", "--block", "333", "--test-input",
+                                  "--compensate", "--json", "--out", dir + "/out.wav"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.Json()["latency_compensated"], 500) << r.out;
+    const auto wrapped = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(wrapped.size(), 2u);
+    ASSERT_EQ(wrapped[0].size(), 12000u);  // as long as asked
+
+    AAXDirect::SDirectRenderConfig config;
+    config.libraryPath = AAXHOST_LATENCY_VST2;
+    config.sampleRate = kRate;
+    config.blockSize = 333;
+    config.totalSamples = 12000 + 500;
+    config.testInput = true;
+    config.standardHost = true;
+    AAXHost::CMidiSchedule none;
+    AAXDirect::SDirectRenderResult direct;
+    std::string error;
+    ASSERT_TRUE(AAXDirect::RenderDirect(config, none, direct, error)) << error;
+    EXPECT_EQ(direct.latency, 500);
+    for (size_t c = 0; c < 2; ++c) {
+        const std::vector<float> moved(direct.outputs[c].begin() + 500, direct.outputs[c].end());
+        EXPECT_EQ(MaxDifference(wrapped[c], moved), 0.0) << "channel " << c;
+    }
+    EXPECT_EQ(SamplesOutOfTime(wrapped[0], 0), 0u);
+}
+
+// Switching the master bypass on plays the input as late as the plug-in did,
+// on the main pair and every stem; switched off, the plug-in is in time again
+// once its own delay line (not run while bypassed) has refilled.
+TEST(Latency, BypassToggledMidRenderKeepsTime)
+{
+    const std::string dir = TempDir("latency-bypass");
+    const SRunResult r = RunHost({"render", kLatencyStandard, "--seconds", "0.3", "--block", "256", "--test-input",
+                                  "--set", "MasterBypassID=1@0.1", "--set", "MasterBypassID=0@0.2", "--out",
+                                  dir + "/out.wav", "--stems", dir + "/stems"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto out = ReadWavChannels(dir + "/out.wav");
+    ASSERT_EQ(out.size(), 2u);
+    // A timed set applies from the start of the buffer that holds its time.
+    const size_t on = 4800 / 256 * 256, off = 9600 / 256 * 256;
+    const std::vector<float> untilOff(out[0].begin(), out[0].begin() + static_cast<long>(off));
+    EXPECT_EQ(SamplesOutOfTime(untilOff, 500), 0u) << "the plug-in, then the bypass";
+    EXPECT_EQ(SamplesOutOfTime(out[0], 500, off + 500), 0u) << "the plug-in again";
+    // In between, the plug-in plays what its delay line held when bypassed.
+    EXPECT_GT(SamplesOutOfTime(out[0], 500, off), 0u);
+    // Bypassed, stem 3's left channel is input 8, as late.
+    const auto stem = ReadWavChannels(dir + "/stems/OutputStem_3.wav");
+    ASSERT_EQ(stem.size(), 2u);
+    size_t wrong = 0;
+    for (size_t s = on; s < off; ++s)
+        wrong += stem[0][s] != TestInputSample(8, static_cast<int64_t>(s) - 500, kRate) ? 1 : 0;
+    EXPECT_EQ(wrong, 0u);
+}
+
+// Debian plug-ins that declare a latency once they run (a look-ahead
+// limiter each) report it through the wrapper as they do hosted directly.
+TEST(Latency, DebianPluginsReportTheLatencyTheyDeclareHostedDirectly)
+{
+    for (const std::string name : {"ZaMaximX2", "ZaMaximX2v3", "LspLimiter"}) {
+        const std::string bundle = std::string(AAXHOST_BUNDLE_DIR) + "/latency/" + name + ".aaxplugin";
+        const std::string dir = TempDir("latency-" + name);
+        const SRunResult wrapped =
+            RunHost({"render", bundle, "--seconds", "0.5", "--test-input", "--json", "--out", dir + "/out.wav"});
+        ASSERT_EQ(wrapped.exitCode, 0) << name << ": " << wrapped.err;
+        const SRunResult direct = RunHost({"render-direct", bundle, "--seconds", "0.5", "--test-input", "--json"});
+        ASSERT_EQ(direct.exitCode, 0) << name << ": " << direct.err;
+        const int latency = wrapped.Json()["instances"][0]["latency"].get<int>();
+        EXPECT_GT(latency, 0) << name;
+        EXPECT_EQ(latency, direct.Json()["latency"].get<int>()) << name << ": " << wrapped.out;
+    }
+}
