@@ -14,6 +14,7 @@
 #include "fakehost/FakeHostFactory.h"
 #include "fakehost/FakeHostGuard.h"
 #include "fakehost/IFakeHost.h"
+#include "PluginTextDisplay.h"
 #include "AAX_CBinaryDisplayDelegate.h"
 #include "AAX_CBinaryTaperDelegate.h"
 #include "AAX_CLinearTaperDelegate.h"
@@ -28,6 +29,18 @@
 namespace {
 
 const char* const kMasterBypassID = "MasterBypassID";
+
+// More values than this is no list a host shows: published continuous.
+constexpr int32_t kMostSteps = 1024;
+
+// The nearest of steps + 1 evenly spaced values, as an AAX host reads a
+// discrete parameter.
+double OnStep(double value, int32_t steps)
+{
+    if (steps <= 0 || !std::isfinite(value))
+        return value;
+    return std::round(std::clamp(value, 0.0, 1.0) * steps) / steps;
+}
 
 AAXWrapper_Parameters::FakeHostFactory gFakeHostFactoryForTesting = nullptr;
 
@@ -230,6 +243,8 @@ void AAXWrapper_Parameters::PublishPluginParameters()
         mLastValues[i].store(std::numeric_limits<double>::quiet_NaN(), std::memory_order_relaxed);
     mClassicDefaults.assign(static_cast<size_t>(std::max(count, 0)), 0.0);
     mClassicNames.assign(static_cast<size_t>(std::max(count, 0)), std::string());
+    mSteps.assign(static_cast<size_t>(std::max(count, 0)), 0);
+    mReadOnly.assign(static_cast<size_t>(std::max(count, 0)), false);
     for (int index = 0; index < count; ++index) {
         const SParameterInfo info = mFakeHost->GetParameterInfo(index);
         if (IsStandard() && !info.published)
@@ -258,10 +273,29 @@ void AAXWrapper_Parameters::PublishPluginParameters()
             std::snprintf(id, sizeof(id), "%d", index);
         }
         mPublished.emplace_back(index, id);
-        auto* parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
-                                                    AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
-                                                    AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
-        parameter->SetNumberOfSteps(50);
+        AAX_CParameter<float>* parameter = nullptr;
+        if (IsStandard()) {
+            // The plug-in's texts, steps and read-only flag; its values
+            // stay normalised, so sessions and automation keep their meaning.
+            const int32_t steps = info.steps > 0 && info.steps <= kMostSteps ? info.steps : 0;
+            mSteps[static_cast<size_t>(index)] = steps;
+            mReadOnly[static_cast<size_t>(index)] = !info.automatable;
+            value = static_cast<float>(OnStep(value, steps));
+            parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
+                                                  AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
+                                                  CPluginTextDisplay(*mFakeHost, index), info.automatable);
+            if (steps > 0) {
+                parameter->SetNumberOfSteps(static_cast<uint32_t>(steps) + 1);
+                parameter->SetType(AAX_eParameterType_Discrete);
+            } else {
+                parameter->SetNumberOfSteps(50);
+            }
+        } else {
+            parameter = new AAX_CParameter<float>(id, AAX_CString(name.c_str()), value,
+                                                  AAX_CLinearTaperDelegate<float, 0>(0.0f, 1.0f),
+                                                  AAX_CNumberDisplayDelegate<float, 2, 0>(), true);
+            parameter->SetNumberOfSteps(50);
+        }
         mParameterManager.AddParameter(parameter);
         MV_LOG_AT("parameters", kLogDebug, "EffectInit", " Add Parameter id:", id, " name:", name,
                   " value:", value, " uid=", parameter->Identifier());
@@ -333,6 +367,13 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
     if (found == mIndexByTag.end())
         return iValue;
     const int index = found->second;
+    if (mReadOnly[static_cast<size_t>(index)]) {
+        // Only the plug-in moves it; the host's value does not reach it.
+        const std::optional<double> read = mFakeHost->GetParameterValue(index);
+        return read && std::isfinite(*read) ? *read : mLastValues[static_cast<size_t>(index)].load();
+    }
+    // A discrete parameter is sent only its own values.
+    iValue = OnStep(iValue, mSteps[static_cast<size_t>(index)]);
     std::atomic<double>& last = mLastValues[static_cast<size_t>(index)];
     const double previous = last.load(std::memory_order_relaxed);
     // The host's echo of a value the plug-in itself just set ends here. The
@@ -346,7 +387,7 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
     mFakeHost->AddInputChangeForProcessing(index, iValue);
     mHeldValuesStale.store(true, std::memory_order_relaxed);
     const std::optional<double> read = mFakeHost->GetParameterValue(index);
-    const double held = read ? *read : iValue;
+    const double held = HeldOnStep(index, read ? *read : iValue);
     if (!std::isfinite(held) || static_cast<float>(held) == static_cast<float>(iValue))
         return iValue;
     // A value the plug-in only rounds (through its own units and single
@@ -373,7 +414,7 @@ void AAXWrapper_Parameters::ReadParametersFromPlugin()
         const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
         if (!read || !std::isfinite(*read))
             continue;
-        const double value = *read;
+        const double value = HeldOnStep(published.first, *read);
         double current = 0.0;
         if (GetParameterNormalizedValue(published.second.c_str(), &current) == AAX_SUCCESS &&
             static_cast<float>(current) == static_cast<float>(value))
@@ -397,7 +438,7 @@ void AAXWrapper_Parameters::SyncHeldValues()
     const bool keepRounding = !mFakeHost->StateHoldsParameterValues();
     for (const auto& published : mPublished) {
         const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
-        const double value = read ? *read : 0.0;
+        const double value = read ? HeldOnStep(published.first, *read) : 0.0;
         double current = 0.0;
         if (!read || !std::isfinite(value) ||
             GetParameterNormalizedValue(published.second.c_str(), &current) != AAX_SUCCESS ||
@@ -449,6 +490,15 @@ void AAXWrapper_Parameters::OnPluginValueMoved(uint32_t tag, double value)
     if (GetParameterNormalizedValue(id.text, &current) != AAX_SUCCESS || current == value)
         return;
     OnPluginEdit(tag, value);
+}
+
+// STANDARD: what a discrete AAX parameter shows of the value the plug-in
+// holds (on its steps, whatever the plug-in keeps between them).
+double AAXWrapper_Parameters::HeldOnStep(int index, double value) const
+{
+    if (!IsStandard() || index < 0 || static_cast<size_t>(index) >= mSteps.size())
+        return value;
+    return OnStep(value, mSteps[static_cast<size_t>(index)]);
 }
 
 double AAXWrapper_Parameters::ClassicDefault(int index)

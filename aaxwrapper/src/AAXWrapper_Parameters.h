@@ -84,6 +84,7 @@ private:
     // STANDARD, main thread: after host changes, the values of every
     // parameter, since setting one may move others (linked controls).
     void SyncHeldValues();
+    double HeldOnStep(int index, double value) const;
     bool IsStandard() const;
     // Main thread: the plug-in's latency to the host, and the bypass's delay
     // line to match, when it changed.
@@ -106,6 +107,10 @@ private:
     static constexpr double kReadDefaultAgain = -2.0;
     std::vector<double> mClassicDefaults;
     std::vector<std::string> mClassicNames;
+    // STANDARD, by index: steps of a discrete parameter (0: continuous), and
+    // whether only the plug-in sets it.
+    std::vector<int32_t> mSteps;
+    std::vector<bool> mReadOnly;
     // Every published parameter: its index and AAX identifier.
     std::vector<std::pair<int, std::string>> mPublished;
     // A deliberate addition to the loading flag: the flag alone let a

@@ -1,3 +1,4 @@
+#include <cmath>
 #include "ProbePlugin.h"
 
 #include <algorithm>
@@ -148,11 +149,19 @@ VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, voi
         else if (index >= kNumParams && index < mEffect.numParams && ptr != nullptr)
             std::snprintf(static_cast<char*>(ptr), kVstMaxProgNameLen, "Extra %d", index - kNumParams);
         return 0;
-    case effGetParamLabel: CopyText(ptr, kVstMaxParamStrLen, "u"); return 0;
+    // Gamma is a choice of five modes and Delta a switch, as real plug-ins
+    // show them: their own words, no unit.
+    case effGetParamLabel: CopyText(ptr, kVstMaxParamStrLen, index == 2 || index == 3 ? "" : "u"); return 0;
     case effGetParamDisplay:
-        if (index >= 0 && index < kNumParams && ptr != nullptr)
+        if (index == 2 && ptr != nullptr)
+            std::snprintf(static_cast<char*>(ptr), kVstMaxParamStrLen, "Mode %d",
+                          static_cast<int>(std::lround(mParams[2].load() * 4.0f)));
+        else if (index == 3 && ptr != nullptr)
+            CopyText(ptr, kVstMaxParamStrLen, mParams[3].load() >= 0.5f ? "On" : "Off");
+        else if (index >= 0 && index < kNumParams && ptr != nullptr)
             std::snprintf(static_cast<char*>(ptr), kVstMaxParamStrLen, "%.3f", static_cast<double>(mParams[index]));
         return 0;
+    case effGetParameterProperties: return ParameterProperties(index, static_cast<VstParameterProperties*>(ptr));
     case effOpen:
         // A plug-in that gives up on the host by ending the process.
         if (EnvInteger("VST2PROBE_EXIT_ON_OPEN", 0) != 0)
@@ -308,6 +317,21 @@ void CProbe::ProcessReplacing(float** inputs, float** outputs, VstInt32 frames)
     // A plug-in whose DSP blew up.
     if (mEffect.numOutputs > 0 && outputs[0] != nullptr && frames > 0 && EnvInteger("VST2PROBE_NAN_OUTPUT", 0) != 0)
         outputs[0][0] = std::numeric_limits<float>::quiet_NaN();
+}
+
+VstIntPtr CProbe::ParameterProperties(VstInt32 index, VstParameterProperties* properties)
+{
+    if (properties == nullptr || (index != 2 && index != 3))
+        return 0;
+    *properties = VstParameterProperties{};
+    if (index == 3) {
+        properties->flags = kVstParameterIsSwitch;
+    } else {
+        properties->flags = kVstParameterUsesIntegerMinMax;
+        properties->minInteger = 0;
+        properties->maxInteger = 4;
+    }
+    return 1;
 }
 
 void CProbe::SetParameter(VstInt32 index, float value)

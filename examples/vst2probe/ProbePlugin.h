@@ -42,6 +42,7 @@ public:
     VstIntPtr Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
     void ProcessReplacing(float** inputs, float** outputs, VstInt32 frames);
     void SetParameter(VstInt32 index, float value);
+    VstIntPtr ParameterProperties(VstInt32 index, VstParameterProperties* properties);
     float GetParameter(VstInt32 index);
     CRecorder& Recorder() { return mRecorder; }
 

@@ -245,7 +245,7 @@ TEST(FakeHostVST2SelfChecks, RunOnlyWithTheBundleCategoryAtDebug)
         EXPECT_TRUE(log.Contains("VstIntPtr = 8 Bytes, VstInt32 = 4 Bytes, Pointer = 8 Bytes, AEffect = 192 Bytes"));
         EXPECT_TRUE(log.Contains("Name = VST2 Probe"));
         EXPECT_TRUE(log.Contains("Program 1: Probe B"));
-        EXPECT_TRUE(log.Contains("Param 2: Gamma[0.750,u] normalized = 0.75"));
+        EXPECT_TRUE(log.Contains("Param 2: Gamma[Mode 3,] normalized = 0.75"));
         EXPECT_TRUE(log.Contains("Iterate Program OK"));
         EXPECT_TRUE(log.Contains("?????"));  // the probe's midiProgramNames answer of 2
         EXPECT_EQ(log.Count("HOST> Process Replacing..."), 5u);

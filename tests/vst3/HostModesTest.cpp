@@ -100,6 +100,36 @@ TEST(Vst3StandardBundle, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAnd
     EXPECT_NE(FindLine(run.trace, "proc.param id=7000 value=0.300000 offset=0"), std::string::npos);
 }
 
+// The controller's own texts with the parameter's unit, a list parameter as
+// a discrete one showing its names, a read-only one not automatable.
+TEST(Vst3StandardBundle, ParametersShowTheControllersTextsStepsAndReadOnlyFlag)
+{
+    const SRunResult params = RunHost({"params", StandardBundle("MrvStrictSynth"), "--json"});
+    ASSERT_EQ(params.exitCode, 0) << params.err;
+    const nlohmann::json list = params.Json()["parameters"];
+    ASSERT_EQ(list.size(), 6u);
+    const nlohmann::json& volume = list[1];
+    EXPECT_EQ(volume["text"], "80.0000 %");
+    EXPECT_FALSE(volume["discrete"]);
+    const nlohmann::json& program = list[4];
+    EXPECT_EQ(program["name"], "Program");
+    EXPECT_TRUE(program["discrete"]);
+    EXPECT_EQ(program["steps"], 8);
+    EXPECT_EQ(program["choices"],
+              nlohmann::json({"Prog 0", "Prog 1", "Prog 2", "Prog 3", "Prog 4", "Prog 5", "Prog 6", "Prog 7"}));
+    const nlohmann::json& peak = list[5];
+    EXPECT_EQ(peak["name"], "Peak");
+    EXPECT_FALSE(peak["automatable"]);
+    EXPECT_TRUE(list[2]["automatable"]);
+
+    // A host value between two programs reaches the processor as one of
+    // them; the read-only one is never sent.
+    const SRunResult run = RenderStrictSynth(TempDir("steps"), 512, {"--set", "7003=0.3", "--set", "7005=0.5"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(FindLine(run.trace, "proc.param id=7003 value=0.285714 offset=0"), std::string::npos);
+    EXPECT_EQ(FindLine(run.trace, "proc.param id=7005 value=0.500000"), std::string::npos);
+}
+
 TEST(Vst3StandardBundle, StateRestoredIntoAFreshInstanceRendersTheSameBytes)
 {
     const std::string dir = TempDir("state");

@@ -2,6 +2,7 @@
 // and the audio thread (meant to run under TSan as well).
 #include <algorithm>
 #include <atomic>
+#include <map>
 #include <thread>
 
 #include "Vst3TestSupport.h"
@@ -51,10 +52,45 @@ TEST(Vst3Hosting, ContainersDropBeyondCapacityAndRefuseBadIndices)
     ASSERT_NE(again, nullptr);
     EXPECT_EQ(again->getPointCount(), 0);  // a reused queue starts empty
 
+}
+
+// A burst longer than the ring between two drains: every change the ring
+// took arrives in order, and after them each parameter's last value.
+TEST(Vst3Hosting, TransferKeepsEachParametersLastValueWhenTheRingIsFull)
+{
     ParameterChangeTransfer transfer(1);
-    for (size_t i = 0; i < transfer.capacity(); ++i)
-        ASSERT_TRUE(transfer.addChange(static_cast<ParamID>(i), i * 0.5, 0));
-    EXPECT_FALSE(transfer.addChange(99, 1.0, 0));
+    const size_t capacity = transfer.capacity();
+    for (size_t i = 0; i < capacity; ++i)
+        ASSERT_TRUE(transfer.addChange(static_cast<ParamID>(i % 3), static_cast<double>(i), 0));
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_TRUE(transfer.addChange(1, 2000.0 + i, 5));
+        ASSERT_TRUE(transfer.addChange(99, 5000.0 + i, 7));
+    }
+    std::vector<std::pair<ParamID, double>> got;
+    ParamID id = 0;
+    ParamValue value = 0;
+    int32 offset = 0;
+    while (transfer.getNextChange(id, value, offset))
+        got.push_back({id, value});
+    ASSERT_EQ(got.size(), capacity + 2);
+    for (size_t i = 0; i < capacity; ++i)
+        EXPECT_EQ(got[i], (std::pair<ParamID, double>{static_cast<ParamID>(i % 3), static_cast<double>(i)}));
+    std::map<ParamID, double> last;
+    for (size_t i = capacity; i < got.size(); ++i)
+        last[got[i].first] = got[i].second;
+    EXPECT_EQ(last, (std::map<ParamID, double>{{1, 2999.0}, {99, 5999.0}}));
+
+    // Emptied, the ring takes changes again, after nothing stale.
+    ASSERT_TRUE(transfer.addChange(1, 0.25, 0));
+    ASSERT_TRUE(transfer.getNextChange(id, value, offset));
+    EXPECT_EQ(value, 0.25);
+    EXPECT_FALSE(transfer.getNextChange(id, value, offset));
+
+    // A restored state drops what waits, in the table too.
+    for (size_t i = 0; i <= capacity; ++i)
+        transfer.addChange(4, 0.5, 0);
+    transfer.removeChanges();
+    EXPECT_FALSE(transfer.getNextChange(id, value, offset));
 }
 
 TEST(Vst3Hosting, TransferBetweenTwoThreads)

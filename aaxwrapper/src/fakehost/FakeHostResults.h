@@ -24,6 +24,8 @@ struct SParameterInfo {
     bool automatable = true;
     // Discrete values the plug-in declares less one; 0: continuous.
     int32_t steps = 0;
+    // The unit the plug-in gives its texts (may be empty).
+    std::string units;
 };
 
 // The plug-in's whole state as the wrapper saves it.

@@ -96,6 +96,19 @@ std::optional<double> IFakeHost::GetParameterValue(int index)
     return Guarded("GetParameterValue", std::optional<double>(), [&] { return DoGetParameterValue(index); });
 }
 
+std::optional<std::string> IFakeHost::GetParameterText(int index, double value)
+{
+    MV_CONTRACT("GetParameterText");
+    return Guarded("GetParameterText", std::optional<std::string>(), [&] { return DoGetParameterText(index, value); });
+}
+
+std::optional<double> IFakeHost::GetParameterValueFromText(int index, const std::string& text)
+{
+    MV_CONTRACT("GetParameterValueFromText");
+    return Guarded("GetParameterValueFromText", std::optional<double>(),
+                   [&] { return DoGetParameterValueFromText(index, text); });
+}
+
 void IFakeHost::AddInputChangeForProcessing(int index, double value)
 {
     MV_CONTRACT("AddInputChangeForProcessing");

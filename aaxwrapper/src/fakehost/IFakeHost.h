@@ -47,6 +47,12 @@ public:
     SParameterInfo GetParameterInfo(int index);
     // The parameter's present value, normalised; empty when it cannot tell.
     std::optional<double> GetParameterValue(int index);
+    // The plug-in's own text, unit included, for a normalised value of a
+    // parameter; empty when the plug-in has none for that value.
+    std::optional<std::string> GetParameterText(int index, double value);
+    // The normalised value a text stands for, as the plug-in reads it where
+    // it can; never changes the plug-in. Empty when the text means nothing.
+    std::optional<double> GetParameterValueFromText(int index, const std::string& text);
     void AddInputChangeForProcessing(int index, double value);
     void AddInputChangeForGUI(int index, double value);
     SPluginState GetState();
@@ -121,6 +127,11 @@ private:
     virtual int DoGetParameterCount() = 0;
     virtual SParameterInfo DoGetParameterInfo(int index) = 0;
     virtual std::optional<double> DoGetParameterValue(int /*index*/) { return std::nullopt; }
+    virtual std::optional<std::string> DoGetParameterText(int /*index*/, double /*value*/) { return std::nullopt; }
+    virtual std::optional<double> DoGetParameterValueFromText(int /*index*/, const std::string& /*text*/)
+    {
+        return std::nullopt;
+    }
     virtual void DoAddInputChangeForProcessing(int index, double value) = 0;
     virtual void DoAddInputChangeForGUI(int index, double value) = 0;
     virtual SPluginState DoGetState() = 0;

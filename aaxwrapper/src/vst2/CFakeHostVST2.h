@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,8 @@ private:
     int DoGetParameterCount() override;
     SParameterInfo DoGetParameterInfo(int index) override;
     std::optional<double> DoGetParameterValue(int index) override;
+    std::optional<std::string> DoGetParameterText(int index, double value) override;
+    std::optional<double> DoGetParameterValueFromText(int index, const std::string& text) override;
     void DoAddInputChangeForProcessing(int index, double value) override;
     void DoAddInputChangeForGUI(int index, double value) override;
     // State (CFakeHostVST2State.cpp).
@@ -129,6 +132,12 @@ private:
     std::vector<float*> mWideInputs;
     std::vector<float*> mWideOutputs;
     static constexpr int kMaxWideChannels = 256;
+
+    // STANDARD, main thread: the texts the effect has shown, by parameter and
+    // value; the effect only describes the value it holds.
+    std::string CurrentText(int index, float& value);
+    std::vector<std::map<float, std::string>> mTextsSeen;
+    static constexpr size_t kMaxTextsSeen = 1024;
 
     std::string mLoadError;
     std::string mPath;

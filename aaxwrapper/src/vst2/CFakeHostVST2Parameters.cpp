@@ -1,6 +1,40 @@
 // The VST 2 effect's parameters: description, present values and host changes.
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+
 #include "logger/CLog.h"
 #include "vst2/CFakeHostVST2.h"
+
+namespace {
+// Effects pad their texts to a column width.
+std::string Trimmed(const char* text)
+{
+    std::string out(text);
+    const size_t first = out.find_first_not_of(" \t");
+    if (first == std::string::npos)
+        return std::string();
+    out.erase(0, first);
+    out.erase(out.find_last_not_of(" \t") + 1);
+    return out;
+}
+
+// More discrete values than this is a continuous control for any surface.
+constexpr int64_t kMostSteps = 1024;
+
+// What effGetParameterProperties says of the values; 0 when continuous.
+int32_t StepsOf(const VstParameterProperties& p)
+{
+    if ((p.flags & kVstParameterIsSwitch) != 0)
+        return 1;
+    if ((p.flags & kVstParameterUsesIntegerMinMax) == 0 || p.maxInteger <= p.minInteger)
+        return 0;
+    int64_t steps = static_cast<int64_t>(p.maxInteger) - p.minInteger;
+    if ((p.flags & kVstParameterUsesIntStep) != 0 && p.stepInteger > 1 && steps % p.stepInteger == 0)
+        steps /= p.stepInteger;
+    return steps <= kMostSteps ? static_cast<int32_t>(steps) : 0;
+}
+}  // namespace
 
 int CFakeHostVST2::DoGetParameterCount()
 {
@@ -23,6 +57,15 @@ SParameterInfo CFakeHostVST2::DoGetParameterInfo(int index)
     info.defaultIsPresentValue = true;
     if (effect->getParameter != nullptr)
         info.defaultValue = static_cast<double>(effect->getParameter(effect, index));
+    if (IsStandard()) {
+        // Most effects answer 0 and leave the record alone: continuous.
+        VstParameterProperties properties{};
+        if (Dispatch(effGetParameterProperties, index, 0, &properties) != 0)
+            info.steps = StepsOf(properties);
+        char label[kTextBufferSize + 1] = {};
+        Dispatch(effGetParamLabel, index, 0, label);
+        info.units = Trimmed(label);
+    }
     return info;
 }
 
@@ -43,3 +86,80 @@ void CFakeHostVST2::DoAddInputChangeForProcessing(int index, double value)
 
 // The effect has one value per parameter, set by the call above.
 void CFakeHostVST2::DoAddInputChangeForGUI(int, double) {}
+
+// The effect's display and label of the value it holds, remembered for that
+// value: a host asks the text of other values too (automation lanes, the
+// values it offers), and VST 2 cannot be asked without setting the value.
+std::string CFakeHostVST2::CurrentText(int index, float& value)
+{
+    value = effect->getParameter(effect, index);
+    char display[kTextBufferSize + 1] = {};
+    char label[kTextBufferSize + 1] = {};
+    Dispatch(effGetParamDisplay, index, 0, display);
+    Dispatch(effGetParamLabel, index, 0, label);
+    std::string text = Trimmed(display);
+    const std::string unit = Trimmed(label);
+    if (!text.empty() && !unit.empty())
+        text += " " + unit;
+    if (text.empty() || !std::isfinite(value))
+        return text;
+    if (mTextsSeen.size() != static_cast<size_t>(effect->numParams))
+        mTextsSeen.resize(static_cast<size_t>(effect->numParams));
+    auto& seen = mTextsSeen[static_cast<size_t>(index)];
+    if (seen.size() < kMaxTextsSeen || seen.count(value) != 0)
+        seen[value] = text;
+    return text;
+}
+
+std::optional<std::string> CFakeHostVST2::DoGetParameterText(int index, double value)
+{
+    if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
+        index >= effect->numParams)
+        return std::nullopt;
+    float held = 0.0f;
+    const std::string text = CurrentText(index, held);
+    if (static_cast<float>(value) == held)
+        return text.empty() ? std::nullopt : std::optional<std::string>(text);
+    if (mTextsSeen.size() <= static_cast<size_t>(index))
+        return std::nullopt;
+    const auto& seen = mTextsSeen[static_cast<size_t>(index)];
+    const auto found = seen.find(static_cast<float>(value));
+    if (found == seen.end())
+        return std::nullopt;
+    return found->second;
+}
+
+// effString2Parameter is not asked: it sets the parameter, and this is a
+// question (the host sets the value it gets through the usual change). A
+// text the effect has shown stands for its value; a bare number is the
+// normalised value, as a value without a text of the effect's is shown.
+std::optional<double> CFakeHostVST2::DoGetParameterValueFromText(int index, const std::string& text)
+{
+    if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
+        index >= effect->numParams)
+        return std::nullopt;
+    const std::string wanted = Trimmed(text.c_str());
+    if (wanted.empty())
+        return std::nullopt;
+    float held = 0.0f;
+    CurrentText(index, held);  // the value held now counts as seen
+    char label[kTextBufferSize + 1] = {};
+    Dispatch(effGetParamLabel, index, 0, label);
+    const std::string unit = Trimmed(label);
+    if (mTextsSeen.size() > static_cast<size_t>(index)) {
+        for (const auto& [value, shown] : mTextsSeen[static_cast<size_t>(index)]) {
+            if (shown == wanted || (!unit.empty() && shown == wanted + " " + unit))
+                return static_cast<double>(value);
+        }
+    }
+    errno = 0;
+    char* end = nullptr;
+    const double number = std::strtod(wanted.c_str(), &end);
+    if (end == wanted.c_str() || errno != 0 || !std::isfinite(number) || number < 0.0 || number > 1.0)
+        return std::nullopt;
+    while (*end == ' ')
+        ++end;
+    if (*end != '\0')
+        return std::nullopt;
+    return number;
+}

@@ -50,6 +50,8 @@ private:
     int DoGetParameterCount() override;
     SParameterInfo DoGetParameterInfo(int index) override;
     std::optional<double> DoGetParameterValue(int index) override;
+    std::optional<std::string> DoGetParameterText(int index, double value) override;
+    std::optional<double> DoGetParameterValueFromText(int index, const std::string& text) override;
     void DoAddInputChangeForProcessing(int index, double value) override;
     void DoAddInputChangeForGUI(int index, double value) override;
     void ReadParameterIds();
@@ -101,6 +103,8 @@ private:
     // By index: the plug-in's parameter IDs and whether each is hidden.
     std::vector<Steinberg::Vst::ParamID> mParamIds;
     std::vector<bool> mParamHidden;
+    // The unit each parameter's texts are in (UTF-8, may be empty).
+    std::vector<std::string> mParamUnits;
     // STANDARD: a rate processing saw that the processor is not set up for.
     std::atomic<double> mPendingRate{0.0};
 };

@@ -2,6 +2,11 @@
 // changes (to the controller at once, to the processor through the queues).
 #include "vst3/CFakeHostVST3.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+
 #include "logger/CLog.h"
 #include "vst3/CVST3Loader.h"
 
@@ -46,12 +51,78 @@ bool utf16ToUtf8(const char16* text, size_t maxLength, std::string& out)
     return true;
 }
 
+// The other way, into a String128; false when the text does not fit or is
+// not UTF-8.
+bool utf8ToUtf16(const std::string& text, String128 out)
+{
+    constexpr size_t kRoom = 128;
+    size_t n = 0;
+    for (size_t i = 0; i < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        uint32_t c = 0;
+        size_t length = 0;
+        if (byte < 0x80) {
+            c = byte;
+            length = 1;
+        } else if ((byte & 0xE0) == 0xC0) {
+            c = byte & 0x1Fu;
+            length = 2;
+        } else if ((byte & 0xF0) == 0xE0) {
+            c = byte & 0x0Fu;
+            length = 3;
+        } else if ((byte & 0xF8) == 0xF0) {
+            c = byte & 0x07u;
+            length = 4;
+        } else {
+            return false;
+        }
+        if (i + length > text.size())
+            return false;
+        for (size_t k = 1; k < length; ++k) {
+            const auto next = static_cast<unsigned char>(text[i + k]);
+            if ((next & 0xC0) != 0x80)
+                return false;
+            c = (c << 6) | (next & 0x3Fu);
+        }
+        i += length;
+        if (c >= 0x10000) {
+            if (n + 2 >= kRoom)
+                return false;
+            c -= 0x10000;
+            out[n++] = static_cast<char16>(0xD800 + (c >> 10));
+            out[n++] = static_cast<char16>(0xDC00 + (c & 0x3FF));
+        } else {
+            if (n + 1 >= kRoom)
+                return false;
+            out[n++] = static_cast<char16>(c);
+        }
+    }
+    out[n] = 0;
+    return true;
+}
+
+bool EndsWith(const std::string& text, const std::string& tail)
+{
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+std::string Trimmed(std::string text)
+{
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos)
+        return std::string();
+    text.erase(0, first);
+    text.erase(text.find_last_not_of(" \t") + 1);
+    return text;
+}
+
 }  // namespace
 
 void CFakeHostVST3::ReadParameterIds()
 {
     mParamIds.clear();
     mParamHidden.clear();
+    mParamUnits.clear();
     IEditController* controller = mVst3Loader->getController();
     if (!controller)
         return;
@@ -62,6 +133,10 @@ void CFakeHostVST3::ReadParameterIds()
         const bool known = controller->getParameterInfo(i, info) == kResultOk;
         mParamIds.push_back(known ? info.id : static_cast<ParamID>(i));
         mParamHidden.push_back(known && (info.flags & ParameterInfo::kIsHidden) != 0);
+        std::string units;
+        if (!known || !utf16ToUtf8(info.units, sizeof(info.units) / sizeof(info.units[0]), units))
+            units.clear();
+        mParamUnits.push_back(Trimmed(units));
     }
 }
 
@@ -105,6 +180,8 @@ SParameterInfo CFakeHostVST3::DoGetParameterInfo(int index)
         out.name.clear();
     out.automatable = (info.flags & (ParameterInfo::kIsReadOnly | ParameterInfo::kIsHidden)) == 0;
     out.steps = info.stepCount > 0 ? info.stepCount : 0;
+    if (static_cast<size_t>(index) < mParamUnits.size())
+        out.units = mParamUnits[static_cast<size_t>(index)];
     // Only CLASSIC requires identifiers to equal indices; STANDARD maps them.
     if (!IsStandard()) {
         MV_COND_ASSERT("fakehost", index == static_cast<int>(info.id), "inParamIndex == info.id",
@@ -135,4 +212,65 @@ void CFakeHostVST3::DoAddInputChangeForGUI(int index, double value)
         return;
     auto lock = mVst3Loader->lockControllerAccess();
     mVst3Loader->getController()->setParamNormalized(ParamIdOf(index), value);
+}
+
+// STANDARD: the controller's text, followed by the unit unless it carries it.
+std::optional<std::string> CFakeHostVST3::DoGetParameterText(int index, double value)
+{
+    if (!IsStandard() || !mVst3Loader || !mVst3Loader->getController() || index < 0 ||
+        static_cast<size_t>(index) >= mParamIds.size() || !std::isfinite(value))
+        return std::nullopt;
+    String128 text{};
+    {
+        auto lock = mVst3Loader->lockControllerAccess();
+        if (mVst3Loader->getController()->getParamStringByValue(ParamIdOf(index), value, text) != kResultOk)
+            return std::nullopt;
+    }
+    text[127] = 0;
+    std::string out;
+    if (!utf16ToUtf8(text, 128, out))
+        return std::nullopt;
+    out = Trimmed(out);
+    const std::string& units = mParamUnits[static_cast<size_t>(index)];
+    if (out.empty())
+        return std::nullopt;
+    if (!units.empty() && !EndsWith(out, units))
+        out += " " + units;
+    return out;
+}
+
+// The controller reads the text, with or without its unit; failing that, a
+// number (and the unit) is a plain value the controller normalises.
+std::optional<double> CFakeHostVST3::DoGetParameterValueFromText(int index, const std::string& text)
+{
+    if (!IsStandard() || !mVst3Loader || !mVst3Loader->getController() || index < 0 ||
+        static_cast<size_t>(index) >= mParamIds.size())
+        return std::nullopt;
+    const std::string wanted = Trimmed(text);
+    if (wanted.empty())
+        return std::nullopt;
+    const std::string& units = mParamUnits[static_cast<size_t>(index)];
+    std::vector<std::string> tries{wanted};
+    if (!units.empty() && EndsWith(wanted, units) && wanted.size() > units.size())
+        tries.push_back(Trimmed(wanted.substr(0, wanted.size() - units.size())));
+    const ParamID id = ParamIdOf(index);
+    auto lock = mVst3Loader->lockControllerAccess();
+    IEditController* controller = mVst3Loader->getController();
+    for (const std::string& attempt : tries) {
+        String128 text16{};
+        ParamValue value = 0.0;
+        if (utf8ToUtf16(attempt, text16) && controller->getParamValueByString(id, text16, value) == kResultOk &&
+            std::isfinite(value))
+            return std::clamp(value, 0.0, 1.0);
+    }
+    const std::string& number = tries.back();
+    errno = 0;
+    char* end = nullptr;
+    const double plain = std::strtod(number.c_str(), &end);
+    if (end == number.c_str() || *end != '\0' || errno != 0 || !std::isfinite(plain))
+        return std::nullopt;
+    const ParamValue value = controller->plainParamToNormalized(id, plain);
+    if (!std::isfinite(value))
+        return std::nullopt;
+    return std::clamp(value, 0.0, 1.0);
 }

@@ -201,9 +201,11 @@ void CVST3Loader::setupParameters()
 {
     const int32 count = mController ? mController->getParameterCount() : 0;
     const int32 n = count > 0 ? count : 0;
-    mHostToProcessor.setMaxParameters(n);
-    mProcessorToController.setMaxParameters(n);
-    mHostToController.setMaxParameters(n);
+    // STANDARD keeps each parameter's last value when a burst fills a queue;
+    // CLASSIC drops it, as it always has.
+    mHostToProcessor.setMaxParameters(n, mStandard);
+    mProcessorToController.setMaxParameters(n, mStandard);
+    mHostToController.setMaxParameters(n, mStandard);
     mInputChanges.setMaxParameters(n);
     mOutputChanges.setMaxParameters(n);
 

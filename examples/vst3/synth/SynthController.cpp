@@ -34,12 +34,20 @@ tresult PLUGIN_API SynthController::initialize(FUnknown* context)
     }
     addProgramList(list);
 
-    parameters.addParameter(STR16("Volume"), nullptr, 0, 0.8, ParameterInfo::kCanAutomate, SynthTag(kSynthVolume));
+    // Shown as a host shows real plug-ins' controls: in a unit, and the
+    // program as a list of its names.
+    parameters.addParameter(new RangeParameter(STR16("Volume"), SynthTag(kSynthVolume), STR16("%"), 0.0, 100.0, 80.0));
     parameters.addParameter(STR16("Pressure"), nullptr, 0, 0.0, ParameterInfo::kCanAutomate, SynthTag(kSynthPressure));
     parameters.addParameter(STR16("Bend"), nullptr, 0, 0.5, ParameterInfo::kCanAutomate, SynthTag(kSynthBend));
-    parameters.addParameter(STR16("Program"), nullptr, kSynthProgramCount - 1, 0.0,
-                            ParameterInfo::kCanAutomate | ParameterInfo::kIsProgramChange | ParameterInfo::kIsList,
-                            SynthTag(kSynthProgram), kSynthUnit);
+    auto* program = new StringListParameter(STR16("Program"), SynthTag(kSynthProgram), nullptr,
+                                            ParameterInfo::kCanAutomate | ParameterInfo::kIsProgramChange |
+                                                ParameterInfo::kIsList,
+                                            kSynthUnit);
+    for (int32 i = 0; i < kSynthProgramCount; ++i) {
+        String128 name = {'P', 'r', 'o', 'g', ' ', static_cast<char16>('0' + i), 0};
+        program->appendString(name);
+    }
+    parameters.addParameter(program);
     parameters.addParameter(STR16("Hidden"), nullptr, 0, 0.25, ParameterInfo::kIsHidden, SynthTag(kSynthHidden));
     parameters.addParameter(STR16("Peak"), nullptr, 0, 0.0, ParameterInfo::kIsReadOnly, SynthTag(kSynthPeak));
     return kResultOk;

@@ -46,6 +46,16 @@ bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo
         params.GetParameterIsAutomatable(pid, &automatable);
         p.automatable = automatable != 0;
         p.isMasterBypass = p.id == bypass.Text();
+        CHostString defaultText;
+        if (params.GetParameterStringFromValue(pid, p.defaultValue, &defaultText, 64) == AAX_SUCCESS)
+            p.defaultText = defaultText.Text();
+        if (p.discrete && p.steps >= 2 && p.steps <= kMostChoicesListed) {
+            for (int32_t step = 0; step < p.steps; ++step) {
+                CHostString choice;
+                params.GetParameterStringFromValue(pid, static_cast<double>(step) / (p.steps - 1), &choice, 64);
+                p.choices.push_back(choice.Text());
+            }
+        }
         out.push_back(std::move(p));
     }
     return true;
@@ -84,7 +94,10 @@ nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params, const
                        {"value", p.value},
                        {"default", p.defaultValue},
                        {"text", p.valueText},
+                       {"default_text", p.defaultText},
                        {"steps", p.steps},
+                       {"discrete", p.discrete},
+                       {"choices", p.choices},
                        {"automatable", p.automatable},
                        {"master_bypass", p.isMasterBypass}});
     return {{"format", "aaxhost-params-1"}, {"wrapper", WrapperStatusToJson(wrapper)}, {"parameters", arr}};
@@ -101,6 +114,12 @@ void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& param
                       p.name.c_str(), p.value, p.defaultValue, p.valueText.c_str(), p.steps,
                       p.automatable ? "" : ", not automatable", p.isMasterBypass ? ", master bypass" : "");
         out << line;
+        if (!p.choices.empty()) {
+            out << "  " << std::string(16, ' ') << "choices:";
+            for (const std::string& choice : p.choices)
+                out << " \"" << choice << "\"";
+            out << "\n";
+        }
     }
 }
 

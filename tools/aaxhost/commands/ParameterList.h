@@ -24,7 +24,13 @@ struct SParameterInfo {
     bool discrete = false;  // its values lie on its steps
     bool automatable = false;
     bool isMasterBypass = false;
+    std::string defaultText;
+    // The text of each value of a discrete parameter of at most
+    // kMostChoicesListed values, in order; empty otherwise.
+    std::vector<std::string> choices;
 };
+
+constexpr int32_t kMostChoicesListed = 64;
 
 // Every parameter of an effect instance, in index order.
 bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo>& out, std::string& error);

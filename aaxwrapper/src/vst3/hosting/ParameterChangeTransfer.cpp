@@ -12,11 +12,22 @@ namespace {
 // dragged during a long stall), so the ring holds a few rounds of them.
 constexpr size_t kSlotsPerParameter = 4;
 constexpr size_t kMinSlots = 64;
+// Room in the table for twice the parameters, so that probes stay short.
+constexpr size_t kMinLatest = 32;
+
+size_t TableSize(int32 maxParameters)
+{
+    const size_t wanted = 2 * static_cast<size_t>(maxParameters > 0 ? maxParameters : 0);
+    size_t size = kMinLatest;
+    while (size < wanted)
+        size *= 2;
+    return size;
+}
 }  // namespace
 
 ParameterChangeTransfer::ParameterChangeTransfer(int32 maxParameters) { setMaxParameters(maxParameters); }
 
-void ParameterChangeTransfer::setMaxParameters(int32 maxParameters)
+void ParameterChangeTransfer::setMaxParameters(int32 maxParameters, bool keepLatest)
 {
     size_t wanted = maxParameters > 0 ? static_cast<size_t>(maxParameters) * kSlotsPerParameter : 0;
     if (wanted < kMinSlots)
@@ -25,9 +36,81 @@ void ParameterChangeTransfer::setMaxParameters(int32 maxParameters)
     mSlots.assign(wanted + 1, Change{0, 0.0, 0});
     mWrite.store(0, std::memory_order_relaxed);
     mRead.store(0, std::memory_order_relaxed);
+    mLatestSize = keepLatest ? TableSize(maxParameters) : 0;
+    mLatest.reset(keepLatest ? new Latest[mLatestSize] : nullptr);
+    mLatestWaiting.store(false, std::memory_order_relaxed);
+    mScanning = false;
+    mScan = 0;
 }
 
 bool ParameterChangeTransfer::addChange(Vst::ParamID id, Vst::ParamValue value, int32 sampleOffset)
+{
+    if (!mLatestWaiting.load(std::memory_order_acquire) && pushRing(id, value, sampleOffset))
+        return true;
+    return keepLatest(id, value, sampleOffset);
+}
+
+bool ParameterChangeTransfer::keepLatest(Vst::ParamID id, Vst::ParamValue value, int32 sampleOffset)
+{
+    if (mLatestSize == 0)
+        return false;
+    const size_t mask = mLatestSize - 1;
+    size_t slot = (static_cast<size_t>(id) * 2654435761u) & mask;
+    for (size_t probe = 0; probe < mLatestSize; ++probe, slot = (slot + 1) & mask) {
+        Latest& entry = mLatest[slot];
+        if (entry.claimed && entry.id.load(std::memory_order_relaxed) != id)
+            continue;
+        if (!entry.claimed) {
+            entry.claimed = true;
+            entry.id.store(id, std::memory_order_relaxed);
+        }
+        const uint32_t sequence = entry.sequence.load(std::memory_order_relaxed);
+        entry.sequence.store(sequence + 1, std::memory_order_relaxed);
+        std::atomic_thread_fence(std::memory_order_release);
+        entry.value.store(value, std::memory_order_relaxed);
+        entry.offset.store(sampleOffset, std::memory_order_relaxed);
+        entry.sequence.store(sequence + 2, std::memory_order_release);
+        entry.pending.store(true, std::memory_order_release);
+        mLatestWaiting.store(true, std::memory_order_release);
+        return true;
+    }
+    return false;
+}
+
+// A value caught while its writer is at it stays pending: the writer marks
+// it again when done, and the next pass takes the newer value.
+bool ParameterChangeTransfer::takeLatest(Vst::ParamID& id, Vst::ParamValue& value, int32& sampleOffset)
+{
+    while (mScan < mLatestSize) {
+        Latest& entry = mLatest[mScan++];
+        if (!entry.pending.exchange(false, std::memory_order_acquire))
+            continue;
+        const uint32_t before = entry.sequence.load(std::memory_order_acquire);
+        const Vst::ParamValue read = entry.value.load(std::memory_order_relaxed);
+        const int32 offset = entry.offset.load(std::memory_order_relaxed);
+        std::atomic_thread_fence(std::memory_order_acquire);
+        const uint32_t after = entry.sequence.load(std::memory_order_relaxed);
+        if ((before & 1u) != 0 || before != after)
+            continue;
+        id = entry.id.load(std::memory_order_relaxed);
+        value = read;
+        sampleOffset = offset;
+        return true;
+    }
+    mScanning = false;
+    return false;
+}
+
+void ParameterChangeTransfer::removeChanges()
+{
+    mRead.store(mWrite.load(std::memory_order_acquire), std::memory_order_release);
+    mLatestWaiting.store(false, std::memory_order_release);
+    for (size_t i = 0; i < mLatestSize; ++i)
+        mLatest[i].pending.store(false, std::memory_order_relaxed);
+    mScanning = false;
+}
+
+bool ParameterChangeTransfer::pushRing(Vst::ParamID id, Vst::ParamValue value, int32 sampleOffset)
 {
     const size_t write = mWrite.load(std::memory_order_relaxed);
     size_t next = write + 1;
@@ -40,7 +123,22 @@ bool ParameterChangeTransfer::addChange(Vst::ParamID id, Vst::ParamValue value, 
     return true;
 }
 
+// The ring first (what it holds was written before any value waited in the
+// table), then the table; changes the ring takes meanwhile come after.
 bool ParameterChangeTransfer::getNextChange(Vst::ParamID& id, Vst::ParamValue& value, int32& sampleOffset)
+{
+    if (mScanning)
+        return takeLatest(id, value, sampleOffset) || popRing(id, value, sampleOffset);
+    if (popRing(id, value, sampleOffset))
+        return true;
+    if (!mLatestWaiting.exchange(false, std::memory_order_acq_rel))
+        return false;
+    mScanning = true;
+    mScan = 0;
+    return takeLatest(id, value, sampleOffset) || popRing(id, value, sampleOffset);
+}
+
+bool ParameterChangeTransfer::popRing(Vst::ParamID& id, Vst::ParamValue& value, int32& sampleOffset)
 {
     const size_t read = mRead.load(std::memory_order_relaxed);
     if (read == mWrite.load(std::memory_order_acquire))
