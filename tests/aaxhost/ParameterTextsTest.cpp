@@ -18,8 +18,6 @@ using namespace AAXHostTest;
 
 namespace {
 
-std::string Bundle(const std::string& path) { return std::string(AAXHOST_BUNDLE_DIR) + "/" + path + ".aaxplugin"; }
-
 // Parameters by AAX identifier, as `aaxhost params --json` lists them.
 std::map<std::string, nlohmann::json> Params(const std::string& bundle)
 {

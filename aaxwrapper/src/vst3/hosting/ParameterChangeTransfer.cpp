@@ -65,10 +65,12 @@ bool ParameterChangeTransfer::keepLatest(Vst::ParamID id, Vst::ParamValue value,
             entry.id.store(id, std::memory_order_relaxed);
         }
         const uint32_t sequence = entry.sequence.load(std::memory_order_relaxed);
+        // Release stores rather than fences (which ThreadSanitizer cannot
+        // follow): the odd count is seen before the value, the value before
+        // the even count.
         entry.sequence.store(sequence + 1, std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_release);
-        entry.value.store(value, std::memory_order_relaxed);
-        entry.offset.store(sampleOffset, std::memory_order_relaxed);
+        entry.value.store(value, std::memory_order_release);
+        entry.offset.store(sampleOffset, std::memory_order_release);
         entry.sequence.store(sequence + 2, std::memory_order_release);
         entry.pending.store(true, std::memory_order_release);
         mLatestWaiting.store(true, std::memory_order_release);
@@ -86,9 +88,9 @@ bool ParameterChangeTransfer::takeLatest(Vst::ParamID& id, Vst::ParamValue& valu
         if (!entry.pending.exchange(false, std::memory_order_acquire))
             continue;
         const uint32_t before = entry.sequence.load(std::memory_order_acquire);
-        const Vst::ParamValue read = entry.value.load(std::memory_order_relaxed);
-        const int32 offset = entry.offset.load(std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_acquire);
+        // Acquire loads keep the second count read after the value.
+        const Vst::ParamValue read = entry.value.load(std::memory_order_acquire);
+        const int32 offset = entry.offset.load(std::memory_order_acquire);
         const uint32_t after = entry.sequence.load(std::memory_order_relaxed);
         if ((before & 1u) != 0 || before != after)
             continue;
