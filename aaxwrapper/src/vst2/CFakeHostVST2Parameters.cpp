@@ -131,8 +131,10 @@ std::optional<std::string> CFakeHostVST2::DoGetParameterText(int index, double v
 
 // effString2Parameter is not asked: it sets the parameter, and this is a
 // question (the host sets the value it gets through the usual change). A
-// text the effect has shown stands for its value; a bare number is the
-// normalised value, as a value without a text of the effect's is shown.
+// text exactly as the effect showed it stands for its value; then a bare
+// number is the normalised value, as a value without a text of the effect's
+// is shown (so that text reads back as itself); then a shown text typed
+// without its label.
 std::optional<double> CFakeHostVST2::DoGetParameterValueFromText(int index, const std::string& text)
 {
     if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
@@ -146,20 +148,24 @@ std::optional<double> CFakeHostVST2::DoGetParameterValueFromText(int index, cons
     char label[kTextBufferSize + 1] = {};
     Dispatch(effGetParamLabel, index, 0, label);
     const std::string unit = Trimmed(label);
-    if (mTextsSeen.size() > static_cast<size_t>(index)) {
-        for (const auto& [value, shown] : mTextsSeen[static_cast<size_t>(index)]) {
-            if (shown == wanted || (!unit.empty() && shown == wanted + " " + unit))
+    const std::map<float, std::string>* seen =
+        mTextsSeen.size() > static_cast<size_t>(index) ? &mTextsSeen[static_cast<size_t>(index)] : nullptr;
+    if (seen != nullptr)
+        for (const auto& [value, shown] : *seen)
+            if (shown == wanted)
                 return static_cast<double>(value);
-        }
-    }
     errno = 0;
     char* end = nullptr;
     const double number = std::strtod(wanted.c_str(), &end);
-    if (end == wanted.c_str() || errno != 0 || !std::isfinite(number) || number < 0.0 || number > 1.0)
-        return std::nullopt;
-    while (*end == ' ')
-        ++end;
-    if (*end != '\0')
-        return std::nullopt;
-    return number;
+    if (end != wanted.c_str() && errno == 0 && std::isfinite(number) && number >= 0.0 && number <= 1.0) {
+        while (*end == ' ')
+            ++end;
+        if (*end == '\0')
+            return number;
+    }
+    if (seen != nullptr && !unit.empty())
+        for (const auto& [value, shown] : *seen)
+            if (shown == wanted + " " + unit)
+                return static_cast<double>(value);
+    return std::nullopt;
 }
