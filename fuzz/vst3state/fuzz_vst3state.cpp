@@ -46,6 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (size > (1u << 20))
         return 0;
     std::vector<uint8_t> block(data, data + size);
-    gHost->host->SetState(static_cast<unsigned int>(size), block.empty() ? nullptr : block.data());
+    gHost->host->SetState(block.empty() ? nullptr : block.data(), static_cast<uint32_t>(size));
     return 0;
 }
