@@ -94,9 +94,14 @@ public:
     void Process(const CProcessBlock& block)
     {
         MV_REAL_TIME("IFakeHost::Process");
-        // STANDARD hosts flush denormals around the plug-in; CLASSIC never did.
-        const CDenormalScope denormals(IsStandard());
-        DoProcess(block);
+        // STANDARD hosts flush denormals around the plug-in; CLASSIC never
+        // did, and pays nothing for the scope.
+        if (IsStandard()) {
+            const CDenormalScope denormals(true);
+            DoProcess(block);
+        } else {
+            DoProcess(block);
+        }
     }
 
     EHostMode GetHostMode() const { return mHostMode; }
