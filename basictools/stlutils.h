@@ -1,5 +1,5 @@
-// Two byte-string helpers shared by path resolution and the log
-// configuration parser. Defined inline here because both the log library
+// Byte-string helpers shared by path resolution, the log configuration
+// parser and the fake hosts' parameter texts. Defined inline here because both the log library
 // and basictools use them, and the log library must not depend back on
 // basictools.
 #pragma once
@@ -40,6 +40,18 @@ inline std::string replace_all(const std::string& text, const std::string& from,
         pos += to.size();
     }
     return result;
+}
+
+// `text` without the spaces and tabs around it (plug-ins pad their texts
+// to a column width).
+inline std::string trim(std::string text)
+{
+    const std::string::size_type first = text.find_first_not_of(" \t");
+    if (first == std::string::npos)
+        return std::string();
+    text.erase(0, first);
+    text.erase(text.find_last_not_of(" \t") + 1);
+    return text;
 }
 
 }  // namespace stlutils

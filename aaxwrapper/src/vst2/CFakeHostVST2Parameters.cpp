@@ -4,20 +4,11 @@
 #include <cstdlib>
 
 #include "logger/CLog.h"
+#include "stlutils.h"
 #include "vst2/CFakeHostVST2.h"
 
 namespace {
-// Effects pad their texts to a column width.
-std::string Trimmed(const char* text)
-{
-    std::string out(text);
-    const size_t first = out.find_first_not_of(" \t");
-    if (first == std::string::npos)
-        return std::string();
-    out.erase(0, first);
-    out.erase(out.find_last_not_of(" \t") + 1);
-    return out;
-}
+using Morvane::stlutils::trim;
 
 // More discrete values than this is a continuous control for any surface.
 constexpr int64_t kMostSteps = 1024;
@@ -64,7 +55,7 @@ SParameterInfo CFakeHostVST2::DoGetParameterInfo(int index)
             info.steps = StepsOf(properties);
         char label[kTextBufferSize + 1] = {};
         Dispatch(effGetParamLabel, index, 0, label);
-        info.units = Trimmed(label);
+        info.units = trim(label);
     }
     return info;
 }
@@ -97,8 +88,8 @@ std::string CFakeHostVST2::CurrentText(int index, float& value)
     char label[kTextBufferSize + 1] = {};
     Dispatch(effGetParamDisplay, index, 0, display);
     Dispatch(effGetParamLabel, index, 0, label);
-    std::string text = Trimmed(display);
-    const std::string unit = Trimmed(label);
+    std::string text = trim(display);
+    const std::string unit = trim(label);
     if (!text.empty() && !unit.empty())
         text += " " + unit;
     if (text.empty() || !std::isfinite(value))
@@ -140,14 +131,14 @@ std::optional<double> CFakeHostVST2::DoGetParameterValueFromText(int index, cons
     if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
         index >= effect->numParams)
         return std::nullopt;
-    const std::string wanted = Trimmed(text.c_str());
+    const std::string wanted = trim(text.c_str());
     if (wanted.empty())
         return std::nullopt;
     float held = 0.0f;
     CurrentText(index, held);  // the value held now counts as seen
     char label[kTextBufferSize + 1] = {};
     Dispatch(effGetParamLabel, index, 0, label);
-    const std::string unit = Trimmed(label);
+    const std::string unit = trim(label);
     const std::map<float, std::string>* seen =
         mTextsSeen.size() > static_cast<size_t>(index) ? &mTextsSeen[static_cast<size_t>(index)] : nullptr;
     if (seen != nullptr)

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "logger/CLog.h"
+#include "stlutils.h"
 #include "vst3/CVST3Loader.h"
 
 using namespace Steinberg;
@@ -106,15 +107,7 @@ bool EndsWith(const std::string& text, const std::string& tail)
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
-std::string Trimmed(std::string text)
-{
-    const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos)
-        return std::string();
-    text.erase(0, first);
-    text.erase(text.find_last_not_of(" \t") + 1);
-    return text;
-}
+using Morvane::stlutils::trim;
 
 }  // namespace
 
@@ -136,7 +129,7 @@ void CFakeHostVST3::ReadParameterIds()
         std::string units;
         if (!known || !utf16ToUtf8(info.units, sizeof(info.units) / sizeof(info.units[0]), units))
             units.clear();
-        mParamUnits.push_back(Trimmed(units));
+        mParamUnits.push_back(trim(units));
     }
 }
 
@@ -230,7 +223,7 @@ std::optional<std::string> CFakeHostVST3::DoGetParameterText(int index, double v
     std::string out;
     if (!utf16ToUtf8(text, 128, out))
         return std::nullopt;
-    out = Trimmed(out);
+    out = trim(out);
     const std::string& units = mParamUnits[static_cast<size_t>(index)];
     if (out.empty())
         return std::nullopt;
@@ -246,13 +239,13 @@ std::optional<double> CFakeHostVST3::DoGetParameterValueFromText(int index, cons
     if (!IsStandard() || !mVst3Loader || !mVst3Loader->getController() || index < 0 ||
         static_cast<size_t>(index) >= mParamIds.size())
         return std::nullopt;
-    const std::string wanted = Trimmed(text);
+    const std::string wanted = trim(text);
     if (wanted.empty())
         return std::nullopt;
     const std::string& units = mParamUnits[static_cast<size_t>(index)];
     std::vector<std::string> tries{wanted};
     if (!units.empty() && EndsWith(wanted, units) && wanted.size() > units.size())
-        tries.push_back(Trimmed(wanted.substr(0, wanted.size() - units.size())));
+        tries.push_back(trim(wanted.substr(0, wanted.size() - units.size())));
     const ParamID id = ParamIdOf(index);
     auto lock = mVst3Loader->lockControllerAccess();
     IEditController* controller = mVst3Loader->getController();
