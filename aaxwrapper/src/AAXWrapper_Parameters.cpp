@@ -520,6 +520,7 @@ AAX_Result AAXWrapper_Parameters::TimerWakeup()
         mFakeHost->ApplyPendingSettings();
         CallFakeHost("TimerWakeup", [&] { SyncHeldValues(); });
         ReportLatency();
+        ReportTail();
     }
     return AAX_CEffectParameters::TimerWakeup();
 }
@@ -548,6 +549,22 @@ void AAXWrapper_Parameters::ReportLatency()
         controller->SetSignalLatency(latency);
 }
 
+void AAXWrapper_Parameters::ReportTail()
+{
+    if (mFakeHost == nullptr || !IsStandard())
+        return;
+    const std::string tail = TailText(mFakeHost->GetTail());
+    if (tail == mReportedTail)
+        return;
+    mReportedTail = tail;
+    if (tail.empty())
+        MV_LOG("fakehost", kLogInfo, "Tail not declared");
+    else if (tail == "infinite")
+        MV_LOG("fakehost", kLogInfo, "Tail infinite");
+    else
+        MV_LOG("fakehost", kLogInfo, "Tail ", tail, " samples");
+}
+
 AAX_Result AAXWrapper_Parameters::NotificationReceived(AAX_CTypeID inNotificationType, const void* inNotificationData,
                                                        uint32_t inNotificationDataSize)
 {
@@ -571,13 +588,36 @@ std::string OneLine(std::string text)
             c = ' ';
     return text;
 }
+
+std::string RouteTarget(const SOutputRoute& route)
+{
+    if (route.stem == SOutputRoute::kMainOutput)
+        return "main";
+    if (route.stem >= 0)
+        return "stem " + std::to_string(route.stem);
+    return "dropped";
+}
 }  // namespace
+
+std::string AAXWrapper_Parameters::TailText(const SPluginTail& tail)
+{
+    if (!tail.known)
+        return std::string();
+    return tail.infinite ? std::string("infinite") : std::to_string(tail.samples);
+}
 
 std::string AAXWrapper_Parameters::StatusText() const
 {
-    return "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" + mPluginPath +
-           "\nerror=" + mLoadError + "\nvendor=" + OneLine(mPluginVendor) + "\nversion=" + OneLine(mPluginVersion) +
-           "\n";
+    std::string text = "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" +
+                       mPluginPath + "\nerror=" + mLoadError + "\nvendor=" + OneLine(mPluginVendor) +
+                       "\nversion=" + OneLine(mPluginVersion) + "\n";
+    if (mFakeHost == nullptr)
+        return text + "tail=\n";
+    text += "tail=" + TailText(mFakeHost->GetTail()) + "\n";
+    for (const SOutputRoute& route : mFakeHost->GetOutputRoutes())
+        text += "output=" + std::to_string(route.bus) + "|" + std::to_string(route.channels) + "|" +
+                RouteTarget(route) + "|" + OneLine(route.name) + "\n";
+    return text;
 }
 
 AAX_Result AAXWrapper_Parameters::GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,

@@ -89,6 +89,10 @@ private:
     // Main thread: the plug-in's latency to the host, and the bypass's delay
     // line to match, when it changed.
     void ReportLatency();
+    // STANDARD: logs the plug-in's tail when it first says it or changes it.
+    void ReportTail();
+    // "<samples>", "infinite", or empty when the plug-in does not say.
+    static std::string TailText(const SPluginTail& tail);
 
     std::unique_ptr<IFakeHost> mFakeHost;
     std::string mPluginPath;   // what the file search found; empty when nothing
@@ -128,4 +132,5 @@ private:
     std::unique_ptr<CBypassDelay> mBypassDelay;
     std::atomic<bool> mBypassDelayed{false};
     int32_t mReportedLatency = 0;
+    std::string mReportedTail;
 };

@@ -7,6 +7,13 @@
 //   error=<reason>      why it is not running (empty when it is)
 //   vendor=<text>       the plug-in's vendor as it reports it (empty when unknown)
 //   version=<text>      the plug-in's version as it reports it (empty when unknown)
+//   tail=<samples>|infinite   how long it sounds on after its input falls
+//                       silent, as it declares it (STANDARD; empty when it
+//                       does not say or the host mode never asks)
+// then one line per output bus that plays (VST 3), in bus order:
+//   output=<bus>|<channels>|main|<name>       into the main output
+//   output=<bus>|<channels>|stem <n>|<name>   from stem n on (OutputStem_<n>)
+//   output=<bus>|<channels>|dropped|<name>    no stem left: not heard
 // Test hosts read it to tell a wrapper around nothing from a working one.
 #pragma once
 

@@ -3,7 +3,8 @@
 // compensated by that latency is the input again. Parameter 0 sets it:
 // round(value * kMaxLatency) samples (0.25, the default, gives 500). A new
 // value changes initialDelay and tells the host with audioMasterIOChanged;
-// the delay itself follows at the next process call.
+// the delay itself follows at the next process call. Its tail is declared as
+// kTailSamples (effGetTailSize).
 #include <algorithm>
 #include <atomic>
 #include <cmath>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr VstInt32 kChannels = 2;
 constexpr VstInt32 kMaxLatency = 2000;
+constexpr VstIntPtr kTailSamples = 144000;
 
 struct SLatency {
     AEffect effect{};
@@ -81,6 +83,8 @@ VstIntPtr Dispatcher(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr
         if (ptr != nullptr)
             CopyText(ptr, "Morvane Test", 64);
         return 1;
+    case effGetTailSize:
+        return kTailSamples;
     case effGetPlugCategory:
         return 1;  // an effect
     case effGetVstVersion:

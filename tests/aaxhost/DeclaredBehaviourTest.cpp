@@ -1,21 +1,24 @@
 // What a STANDARD wrapper sets around its plug-in as mainstream hosts do,
 // seen from inside the plug-in through the built bundles and aaxhost: the
-// floating-point mode of the process call, the offline notification and the
-// plug-in's latency.
+// floating-point mode of the process call, the offline notification, the
+// plug-in's latency and tail, and its auxiliary output buses.
 // CLASSIC bundles of the same plug-ins show that nothing changed for them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "DirectRender.h"
+#include "declaring/DeclaringShape.h"
 #include "TestSignal.h"
 #include "TestSupport.h"
 
 using namespace AAXHostTest;
 using AAXHost::TestInputSample;
+using MrvTest::LevelOf;
 
 namespace {
 
@@ -115,6 +118,7 @@ namespace {
 
 const std::string kLatencyStandard = std::string(AAXHOST_BUNDLE_DIR) + "/standard/Latency.aaxplugin";
 const std::string kLatencyClassic = std::string(AAXHOST_BUNDLE_DIR) + "/Latency.aaxplugin";
+const std::string kDeclared = std::string(AAXHOST_BUNDLE_DIR) + "/declared";
 constexpr int kRate = 48000;
 
 // The test input's first channel, as aaxhost feeds it.
@@ -238,4 +242,187 @@ TEST(Latency, DebianPluginsReportTheLatencyTheyDeclareHostedDirectly)
         EXPECT_GT(latency, 0) << name;
         EXPECT_EQ(latency, direct.Json()["latency"].get<int>()) << name << ": " << wrapped.out;
     }
+}
+
+// A VST 3 effect announces each new latency with kLatencyChanged; the wrapper
+// switches it off and on, reads the latency again and reports it.
+TEST(Latency, Vst3ChangesAreReadWithTheComponentSwitchedOffAndOnAndReported)
+{
+    const std::string bundle = kDeclared + "/STANDARD/MrvTestLatency.aaxplugin";
+    const std::string dir = TempDir("vst3-latency");
+    const std::string trace = dir + "/trace.txt";
+    const SRunResult r = RunHost({"render", bundle, "--seconds", "0.4", "--test-input", "--set", "0=0.1@0.1", "--set",
+                                  "0=0.8@0.2", "--set", "0=0@0.3", "--json", "--out", dir + "/out.wav"},
+                                 {"MRV_VST3_TRACE=" + trace});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.Json()["instances"][0]["latencies"], nlohmann::json::parse("[500, 200, 1600, 0]")) << r.out;
+    // Each announcement: off, on, and the latency read once it is on.
+    const std::vector<std::string> lines = LinesStartingWith(trace, "declaring.");
+    size_t announced = 0;
+    for (auto at = lines.begin(); (at = std::find_if(at, lines.end(), [](const std::string& line) {
+                                       return line.rfind("declaring.restartComponent", 0) == 0;
+                                   })) != lines.end();
+         ++at) {
+        ++announced;
+        const auto off = std::find(at, lines.end(), "declaring.setActive 0");
+        const auto on = std::find(off, lines.end(), "declaring.setActive 1");
+        ASSERT_NE(on, lines.end()) << testing::PrintToString(lines);
+        EXPECT_EQ(std::find(at, off, "declaring.setActive 1"), off) << "switched off first";
+        ASSERT_NE(on + 1, lines.end());
+        EXPECT_EQ((on + 1)->rfind("declaring.getLatencySamples", 0), 0u) << *(on + 1);
+    }
+    EXPECT_EQ(announced, 3u);
+
+    // Compensated, the render is the plug-in hosted directly moved earlier.
+    const SRunResult compensated = RunHost({"render", bundle, "--seconds", "0.25", "--block", "333", "--test-input",
+                                            "--compensate", "--json", "--out", dir + "/comp.wav"});
+    ASSERT_EQ(compensated.exitCode, 0) << compensated.err;
+    EXPECT_EQ(compensated.Json()["latency_compensated"], 500);
+    const auto wrapped = ReadWavChannels(dir + "/comp.wav");
+    ASSERT_EQ(wrapped.size(), 2u);
+    EXPECT_EQ(SamplesOutOfTime(wrapped[0], 0), 0u);
+    const SRunResult direct = RunHost({"render-direct", bundle, "--seconds", "0.25", "--block", "333", "--test-input",
+                                       "--json", "--out", dir + "/direct.wav"});
+    ASSERT_EQ(direct.exitCode, 0) << direct.err;
+    EXPECT_EQ(direct.Json()["latency"], 500);
+    const auto hosted = ReadWavChannels(dir + "/direct.wav");
+    ASSERT_EQ(hosted.size(), 2u);
+    for (size_t c = 0; c < 2; ++c) {
+        const std::vector<float> moved(hosted[c].begin() + 500, hosted[c].end());
+        const std::vector<float> head(wrapped[c].begin(), wrapped[c].begin() + static_cast<long>(moved.size()));
+        EXPECT_EQ(MaxDifference(head, moved), 0.0) << "channel " << c;
+    }
+}
+
+// --- Tail --------------------------------------------------------------------
+
+namespace {
+nlohmann::json RenderWithoutLength(const std::string& bundle, const std::string& name, std::string* err = nullptr)
+{
+    const std::string dir = TempDir(name);
+    const SRunResult r = RunHost({"render", bundle, "--test-input", "--json", "--out", dir + "/out.wav"});
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    if (err)
+        *err = r.err;
+    return r.exitCode == 0 ? r.Json() : nlohmann::json();
+}
+}  // namespace
+
+// Without --tail a render plays what the plug-in declares: at least the
+// usual two seconds, at most thirty, with a note when capped; CLASSIC never
+// asks.
+TEST(Tail, RenderPlaysTheTailThePluginDeclares)
+{
+    const nlohmann::json vst3 = RenderWithoutLength(kDeclared + "/STANDARD/MrvTestLatency.aaxplugin", "tail-vst3");
+    EXPECT_EQ(vst3["tail_source"], "plugin") << vst3.dump();
+    EXPECT_EQ(vst3["samples"], 168000);  // 3.5 s at 48 kHz
+    const nlohmann::json vst2 = RenderWithoutLength(kLatencyStandard, "tail-vst2");
+    EXPECT_EQ(vst2["tail_source"], "plugin");
+    EXPECT_EQ(vst2["samples"], 144000);
+    const nlohmann::json classic = RenderWithoutLength(kLatencyClassic, "tail-classic");
+    EXPECT_EQ(classic["tail_source"], "default");
+    EXPECT_EQ(classic["samples"], 96000);
+
+    std::string err;
+    const nlohmann::json infinite =
+        RenderWithoutLength(kDeclared + "/STANDARD/MrvTestOutputs.aaxplugin", "tail-infinite", &err);
+    EXPECT_EQ(infinite["tail_source"], "plugin, capped");
+    EXPECT_EQ(infinite["samples"], 30 * 48000);
+    EXPECT_NE(err.find("note: the plug-in's tail (infinite) is capped at 30 s"), std::string::npos) << err;
+
+    const SRunResult described = RunHost({"describe", kDeclared + "/STANDARD/MrvTestLatency.aaxplugin", "--json"});
+    ASSERT_EQ(described.exitCode, 0) << described.err;
+    EXPECT_EQ(described.Json()["wrapper"]["tail"], 168000);
+}
+
+// --- Output buses --------------------------------------------------------------
+
+namespace {
+// Every channel of a render's stems, in order: stem n is channels 2n, 2n+1.
+std::vector<std::vector<float>> StemChannels(const std::string& stemsDir)
+{
+    std::vector<std::vector<float>> channels;
+    for (int stem = 0; stem < 16; ++stem)
+        for (auto& channel : ReadWavChannels(stemsDir + "/OutputStem_" + std::to_string(stem) + ".wav"))
+            channels.push_back(std::move(channel));
+    return channels;
+}
+
+// The one level a channel holds throughout, or NaN when it varies.
+float ConstantLevel(const std::vector<float>& channel)
+{
+    if (channel.empty())
+        return std::nanf("");
+    for (float sample : channel)
+        if (sample != channel.front())
+            return std::nanf("");
+    return channel.front();
+}
+
+void RenderOutputs(const std::string& bundle, const std::string& dir, std::vector<std::vector<float>>& main,
+                   std::vector<std::vector<float>>& stems)
+{
+    const SRunResult r = RunHost({"render", bundle, "--seconds", "0.05", "--block", "300", "--out", dir + "/out.wav",
+                                  "--stems", dir + "/stems"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    main = ReadWavChannels(dir + "/out.wav");
+    stems = StemChannels(dir + "/stems");
+    ASSERT_EQ(main.size(), 2u);
+    ASSERT_EQ(stems.size(), 32u);
+}
+}  // namespace
+
+// Four stereo buses and a mono one: each on the next stem (the mono one on
+// its left channel), the main bus on the main pair, nothing anywhere else.
+// CLASSIC plays the main bus only, as it always did.
+TEST(Buses, EachAuxiliaryBusPlaysOnItsOwnStemAndNowhereElse)
+{
+    std::vector<std::vector<float>> main, stems;
+    RenderOutputs(kDeclared + "/STANDARD/MrvTestOutputs.aaxplugin", TempDir("buses-standard"), main, stems);
+    if (HasFatalFailure())
+        return;
+    for (int c = 0; c < 2; ++c)
+        EXPECT_EQ(ConstantLevel(main[c]), LevelOf(0, c)) << "main " << c;
+    for (int stem = 0; stem < 16; ++stem) {
+        for (int c = 0; c < 2; ++c) {
+            const float expected = stem < 4 ? LevelOf(stem + 1, c) : (stem == 4 && c == 0 ? LevelOf(5, 0) : 0.0f);
+            EXPECT_EQ(ConstantLevel(stems[static_cast<size_t>(2 * stem + c)]), expected) << "stem " << stem << "." << c;
+        }
+    }
+    const SRunResult described = RunHost({"describe", kDeclared + "/STANDARD/MrvTestOutputs.aaxplugin", "--json"});
+    ASSERT_EQ(described.exitCode, 0) << described.err;
+    const nlohmann::json outputs = described.Json()["wrapper"]["outputs"];
+    ASSERT_EQ(outputs.size(), 6u) << outputs.dump();
+    EXPECT_EQ(outputs[0]["plays"], "main");
+    EXPECT_EQ(outputs[3]["plays"], "stem 2");
+    EXPECT_EQ(outputs[3]["name"], "Aux 3");
+    EXPECT_EQ(outputs[5]["plays"], "stem 4");
+    EXPECT_EQ(outputs[5]["channels"], 1);
+
+    RenderOutputs(kDeclared + "/CLASSIC/MrvTestOutputs.aaxplugin", TempDir("buses-classic"), main, stems);
+    if (HasFatalFailure())
+        return;
+    EXPECT_EQ(ConstantLevel(main[0]), LevelOf(0, 0));
+    for (size_t c = 0; c < stems.size(); ++c)
+        EXPECT_EQ(ConstantLevel(stems[c]), 0.0f) << "stem channel " << c;
+}
+
+// Twenty stereo buses: the first sixteen fill the stems, the rest play into
+// scratch buffers and are said to be dropped.
+TEST(Buses, BusesPastTheLastStemPlayIntoScratchBuffers)
+{
+    const std::string bundle = kDeclared + "/STANDARD/MrvTestManyOutputs.aaxplugin";
+    std::vector<std::vector<float>> main, stems;
+    RenderOutputs(bundle, TempDir("buses-many"), main, stems);
+    if (HasFatalFailure())
+        return;
+    for (int stem = 0; stem < 16; ++stem)
+        EXPECT_EQ(ConstantLevel(stems[static_cast<size_t>(2 * stem + 1)]), LevelOf(stem + 1, 1)) << "stem " << stem;
+    const SRunResult described = RunHost({"describe", bundle, "--json"});
+    ASSERT_EQ(described.exitCode, 0) << described.err;
+    const nlohmann::json outputs = described.Json()["wrapper"]["outputs"];
+    ASSERT_EQ(outputs.size(), 21u);
+    EXPECT_EQ(outputs[16]["plays"], "stem 15");
+    for (size_t bus = 17; bus < 21; ++bus)
+        EXPECT_EQ(outputs[bus]["plays"], "dropped") << bus;
 }

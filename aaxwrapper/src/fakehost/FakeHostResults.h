@@ -35,6 +35,27 @@ struct SPluginState {
     std::vector<char> bytes;
 };
 
+// How long the plug-in keeps sounding once its input falls silent, as it
+// declares it.
+struct SPluginTail {
+    // False when it does not say (or the host mode never asks).
+    bool known = false;
+    bool infinite = false;
+    uint32_t samples = 0;  // 0 with known: no tail at all
+};
+
+// Where one of the plug-in's output buses plays.
+struct SOutputRoute {
+    int32_t bus = 0;
+    std::string name;
+    int32_t channels = 0;
+    // The stem (0-based) its first channel lands on; kMainOutput for the
+    // main pair, kScratchOnly when no stem is left and its output is dropped.
+    static constexpr int32_t kMainOutput = -1;
+    static constexpr int32_t kScratchOnly = -2;
+    int32_t stem = kScratchOnly;
+};
+
 // The editor's size in pixels; `known` false when the plug-in gave none.
 struct SViewSize {
     bool known = false;

@@ -186,3 +186,17 @@ int32_t IFakeHost::GetLatency()
         return 0;
     return Guarded("GetLatency", int32_t{0}, [&] { return DoGetLatency(); });
 }
+
+SPluginTail IFakeHost::GetTail()
+{
+    MV_CONTRACT("GetTail");
+    if (!IsStandard())
+        return SPluginTail();
+    return Guarded("GetTail", SPluginTail(), [&] { return DoGetTail(); });
+}
+
+std::vector<SOutputRoute> IFakeHost::GetOutputRoutes()
+{
+    MV_CONTRACT("GetOutputRoutes");
+    return Guarded("GetOutputRoutes", std::vector<SOutputRoute>(), [&] { return DoGetOutputRoutes(); });
+}

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "AAX_CEffectParameters.h"
 #include "AAX_IController.h"
@@ -86,6 +87,12 @@ public:
     // reads initialDelay, VST 3 gives what it read when the component was
     // last switched on.
     int32_t GetLatency();
+    // The plug-in's tail (STANDARD; CLASSIC never asks: unknown).
+    SPluginTail GetTail();
+    // Where each output bus of the plug-in plays, for the log and the status
+    // block; empty where the format has no buses (VST 2 fills its outputs in
+    // order) or CLASSIC plays the main buses only.
+    std::vector<SOutputRoute> GetOutputRoutes();
 
     // --- Real-time thread: never blocks, never allocates. -------------------
     // One buffer, as the front end read it from the AAX context. A failure
@@ -149,6 +156,8 @@ private:
     virtual void DoApplyPendingSettings() {}
     virtual void DoSetOffline(bool /*offline*/) {}
     virtual int32_t DoGetLatency() { return 0; }
+    virtual SPluginTail DoGetTail() { return SPluginTail(); }
+    virtual std::vector<SOutputRoute> DoGetOutputRoutes() { return {}; }
     virtual void DoProcess(const CProcessBlock& block) = 0;
 
     AAX_CEffectParameters& mEffectParameters;

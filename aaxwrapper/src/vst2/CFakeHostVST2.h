@@ -51,6 +51,7 @@ private:
     void DoApplyPendingSettings() override;
     void DoSetOffline(bool offline) override { mOffline.store(offline, std::memory_order_relaxed); }
     int32_t DoGetLatency() override;
+    SPluginTail DoGetTail() override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override;

@@ -1,6 +1,7 @@
 // The host side the effect calls into: the static callback and its member
 // counterpart.
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -177,4 +178,18 @@ int32_t CFakeHostVST2::DoGetLatency()
     if (effect == nullptr)
         return 0;
     return std::max<int32_t>(0, __atomic_load_n(&effect->initialDelay, __ATOMIC_RELAXED));
+}
+
+// effGetTailSize: 0 means the plug-in does not say, 1 that it has no tail.
+SPluginTail CFakeHostVST2::DoGetTail()
+{
+    SPluginTail tail;
+    if (effect == nullptr)
+        return tail;
+    const VstIntPtr answer = Dispatch(effGetTailSize, 0, 0, nullptr);
+    if (answer <= 0)
+        return tail;
+    tail.known = true;
+    tail.samples = answer == 1 ? 0u : static_cast<uint32_t>(std::min<VstIntPtr>(answer, INT32_MAX));
+    return tail;
 }

@@ -161,6 +161,24 @@ void CFakeHostVST3::DoSetOffline(bool offline)
 
 int32_t CFakeHostVST3::DoGetLatency() { return mVst3Loader ? mVst3Loader->getLatency() : 0; }
 
+SPluginTail CFakeHostVST3::DoGetTail()
+{
+    SPluginTail tail;
+    IAudioProcessor* processor = mVst3Loader ? mVst3Loader->getProcessor() : nullptr;
+    if (!processor)
+        return tail;
+    const uint32 samples = processor->getTailSamples();
+    tail.known = true;
+    tail.infinite = samples == kInfiniteTail;
+    tail.samples = tail.infinite ? 0u : samples;
+    return tail;
+}
+
+std::vector<SOutputRoute> CFakeHostVST3::DoGetOutputRoutes()
+{
+    return mVst3Loader ? mVst3Loader->getOutputRoutes() : std::vector<SOutputRoute>();
+}
+
 void CFakeHostVST3::DoQuit()
 {
     MV_LOG("fakehost", kLogInfo, "Quit");

@@ -42,6 +42,8 @@ private:
     void DoApplyPendingSettings() override;
     void DoSetOffline(bool offline) override;
     int32_t DoGetLatency() override;
+    SPluginTail DoGetTail() override;
+    std::vector<SOutputRoute> DoGetOutputRoutes() override;
     std::string DoGetPluginVendor() override;
     std::string DoGetPluginVersion() override;
     int32_t DoGetPluginProductUniqueID() override { return 0; }

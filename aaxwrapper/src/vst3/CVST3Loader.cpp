@@ -1,5 +1,5 @@
 // Creation, initialisation, connection and tear-down of the processor /
-// controller pair, and the set-up of parameters, buses and MIDI mappings.
+// controller pair, and the set-up of parameters and MIDI mappings.
 #include "vst3/CVST3Loader.h"
 
 #include <algorithm>
@@ -244,66 +244,6 @@ void CVST3Loader::setupParameters()
     }
 }
 
-void CVST3Loader::setupBuses()
-{
-    if (!mComponent)
-        return;
-    mProcessData.prepare(*mComponent, 0, kSample32);
-    mProcessData.processContext = &mProcessContext;
-
-    mInputChannelCount = countMainBusChannels(kInput, mInputMainBusMask);
-    mOutputChannelCount = countMainBusChannels(kOutput, mOutputMainBusMask);
-    makeScratchChannels();
-
-    if (mComponent->getBusCount(kEvent, kInput) <= 0)
-        mInputEvents.reset();
-    else if (!mInputEvents)
-        mInputEvents = std::make_unique<Morvane::vst3::EventList>(kEventListSize);
-    if (mComponent->getBusCount(kEvent, kOutput) <= 0)
-        mOutputEvents.reset();
-    else if (!mOutputEvents)
-        mOutputEvents = std::make_unique<Morvane::vst3::EventList>(kEventListSize);
-}
-
-void CVST3Loader::makeScratchChannels()
-{
-    // A bus of absurd width gets no more than this; its other channels stay null.
-    constexpr int32 kMostScratchChannels = 256;
-    const int32 extraInputs = std::clamp(mInputChannelCount - kContextInputs, 0, kMostScratchChannels);
-    const int32 extraOutputs = std::clamp(mOutputChannelCount - kContextOutputs, 0, kMostScratchChannels);
-    if (extraInputs > 0 || extraOutputs > 0)
-        MV_LOG("fakehost", kLogNotice, "VST3 - main buses of ", mInputChannelCount, " inputs and ", mOutputChannelCount,
-               " outputs: ", extraInputs, " and ", extraOutputs, " beyond the host's get scratch buffers");
-    const size_t block = static_cast<size_t>(mMaxBlock);
-    mScratchInputs.assign(static_cast<size_t>(extraInputs) * block, 0.0f);
-    mScratchOutputs.assign(static_cast<size_t>(extraOutputs) * block, 0.0f);
-    mScratchInputChannels = extraInputs;
-    mScratchOutputChannels = extraOutputs;
-}
-
-int32 CVST3Loader::countMainBusChannels(BusDirection direction, uint64_t& mask)
-{
-    mask = 0;
-    int32 total = 0;
-    if (!mComponent)
-        return 0;
-    const int32 busCount = mComponent->getBusCount(kAudio, direction);
-    for (int32 i = 0; i < busCount; ++i) {
-        BusInfo info{};
-        if (mComponent->getBusInfo(kAudio, direction, i, info) != kResultOk)
-            continue;
-        if (info.busType == kMain) {
-            total += info.channelCount;
-            if (i < 64)
-                mask |= uint64_t{1} << i;
-            mComponent->activateBus(kAudio, direction, i, true);
-        } else if (info.flags & BusInfo::kDefaultActive) {
-            mComponent->activateBus(kAudio, direction, i, false);
-        }
-    }
-    return total;
-}
-
 void CVST3Loader::initMidiCtrlerAssignment()
 {
     if (!mMidiMapping)
@@ -368,7 +308,7 @@ bool CVST3Loader::setOffline(bool offline)
 
 // The set-up may only change while the component is off, so it is switched
 // off and on around it, with no process call in between.
-bool CVST3Loader::reactivate(double sampleRate)
+bool CVST3Loader::reactivate(double sampleRate, bool rebuildBuses)
 {
     Morvane::CProcessGateClosed closed(mGate);
     mReactivating = true;
@@ -383,6 +323,8 @@ bool CVST3Loader::reactivate(double sampleRate)
         mComponent->setActive(false);
         mActive = false;
     }
+    if (rebuildBuses)
+        setupBuses();
     MV_LOG("fakehost", kLogInfo, "VST3 - set up at ", sampleRate, " Hz, at most ", mMaxBlock, " samples");
     const bool configured = configureProcessing(sampleRate);
     mActive = mComponent->setActive(true) == kResultOk;

@@ -19,6 +19,7 @@
 #include "pluginterfaces/vst/ivstprocesscontext.h"
 #include "pluginterfaces/vst/ivstunits.h"
 #include "ProcessGate.h"
+#include "fakehost/FakeHostResults.h"
 #include "fakehost/HostMode.h"
 #include "fakehost/IPluginEditListener.h"
 #include "public.sdk/source/common/memorystream.h"
@@ -44,6 +45,10 @@ public:
     // Channels the host's context carries: inputs, and main pair plus stems.
     static constexpr Steinberg::int32 kContextInputs = 32;
     static constexpr Steinberg::int32 kContextOutputs = 34;
+    // An auxiliary output bus wider than this is left switched off.
+    static constexpr Steinberg::int32 kMostBusChannels = 64;
+    // Channels past the context's that get scratch buffers, at most.
+    static constexpr Steinberg::int32 kMostScratchChannels = 256;
     using MidiControllerTable = std::array<std::array<Steinberg::int32, kMidiControllerEntries>, kMidiChannels>;
 
     CVST3Loader(Steinberg::IPluginFactory* factory, const char* classId, EHostMode mode = EHostMode::kClassic);
@@ -77,6 +82,8 @@ public:
     // Held off while the main thread changes the set-up.
     Morvane::CProcessGate& gate() { return mGate; }
     Steinberg::int32 countMainBusChannels(Steinberg::Vst::BusDirection direction, uint64_t& mask);
+    // Where each output bus that plays lands, as set up with the buses.
+    const std::vector<SOutputRoute>& getOutputRoutes() const { return mOutputRoutes; }
 
     // Main thread: queues a host change for the controller, then the processor.
     void addParameterChange(unsigned int id, double value, int sampleOffset);
@@ -144,10 +151,13 @@ private:
     void createStandardController();
     void queryControllerExtensions();
     bool configureProcessing(double sampleRate);
-    bool reactivate(double sampleRate);
+    bool reactivate(double sampleRate, bool rebuildBuses = false);
     void rereadParameterValues();
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
+    void routeOutputBuses();
+    void routeAuxiliaryOutputBuses(std::vector<Steinberg::int32>& firstChannel, Steinberg::int32 next);
+    void noteOutputRoute(Steinberg::int32 bus, const Steinberg::Vst::BusInfo& info, Steinberg::int32 firstChannel);
     void makeScratchChannels();
     float* scratchChannel(Steinberg::Vst::BusDirection direction, Steinberg::int32 channel);
 
@@ -172,7 +182,12 @@ private:
     uint64_t mInputMainBusMask = 0;
     uint64_t mOutputMainBusMask = 0;
     Steinberg::int32 mInputChannelCount = 0;
+    // Output channels the buses fill, counted as context channels: past
+    // kContextOutputs they are scratch.
     Steinberg::int32 mOutputChannelCount = 0;
+    // Each output bus's first context channel; -1 for a bus that is off.
+    std::vector<Steinberg::int32> mOutputBusFirstChannel;
+    std::vector<SOutputRoute> mOutputRoutes;
     Steinberg::MemoryStream mStream;
     // Main-bus channels beyond the context's get scratch buffers of the most
     // samples one call may be given, made with the buses: silence in, output

@@ -43,7 +43,16 @@ tresult PLUGIN_API CVST3Loader::restartComponent(int32 flags)
 {
     MV_MAIN_THREAD("IComponentHandler::restartComponent");
     tresult result = kResultFalse;
-    if (flags & kIoChanged) {
+    // STANDARD switches an active component off and on around a new bus or
+    // latency set-up (both are read only while it is off or once it is on
+    // again), with processing held off; asked from inside setActive, the
+    // set-up in progress reads them at its end anyway.
+    const bool canReactivate = mStandard && mActive && !mReactivating && mProcessor;
+    const bool busesChanged = (flags & kIoChanged) != 0;
+    const bool latencyChanged = (flags & kLatencyChanged) != 0 && mProcessor;
+    if (canReactivate && (busesChanged || latencyChanged)) {
+        reactivate(mSampleRate, busesChanged);
+    } else if (busesChanged) {
         // STANDARD: never rebuild the buses under a running process call.
         if (mStandard) {
             Morvane::CProcessGateClosed closed(mGate);
@@ -51,21 +60,14 @@ tresult PLUGIN_API CVST3Loader::restartComponent(int32 flags)
         } else {
             setupBuses();
         }
-        result = kResultOk;
     }
+    if (busesChanged || latencyChanged)
+        result = kResultOk;
     if (mStandard && (flags & kParamValuesChanged))
         rereadParameterValues();
     // Accepted but not acted upon: values and titles are read when needed.
     if (flags & (kParamValuesChanged | kParamTitlesChanged))
         result = kResultOk;
-    // STANDARD: the component is switched off and on, after which the new
-    // latency is read (reactivate does both, with processing held off).
-    if ((flags & kLatencyChanged) && mProcessor) {
-        // Asked from inside setActive, the latency is read at its end anyway.
-        if (mStandard && mActive && !mReactivating)
-            reactivate(mSampleRate);
-        result = kResultOk;
-    }
     if (flags & kMidiCCAssignmentChanged) {
         initMidiCtrlerAssignment();
         result = kResultOk;

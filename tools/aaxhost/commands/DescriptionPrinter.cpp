@@ -164,7 +164,19 @@ void PrintDescription(std::ostream& out, const SPluginInfo& info, const SDescrib
     if (where.wrapper.present && where.wrapper.loaded)
         out << "Wrapped vendor:  " << where.wrapper.vendor << "\n"
             << "Wrapped version: " << where.wrapper.version << "\n"
-            << "Latency:         " << where.wrapper.latency << " samples\n";
+            << "Latency:         " << where.wrapper.latency << " samples\n"
+            << "Tail:            "
+            << (where.wrapper.tail.empty()      ? std::string("(not declared)")
+                : where.wrapper.tail == "infinite" ? where.wrapper.tail
+                                                   : where.wrapper.tail + " samples")
+            << "\n";
+    if (where.wrapper.present && where.wrapper.loaded)
+        for (const SWrappedOutput& o : where.wrapper.outputs)
+            out << "Output bus " << o.bus << ":    \"" << o.name << "\" (" << o.channels << (o.channels == 1 ? " channel" : " channels") << ") plays into "
+                << (o.plays == "dropped" ? std::string("nothing (no stem left)")
+                    : o.plays == "main"  ? std::string("the main output")
+                                         : o.plays)
+                << "\n";
     out
         << "SDK version:     " << Hex(info.sdkVersion, 16) << "\n"
         << "Manufacturer:    " << info.manufacturerName << "\n";

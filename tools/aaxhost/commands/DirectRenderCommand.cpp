@@ -10,6 +10,7 @@
 #include "MidiSchedule.h"
 #include "PluginSession.h"
 #include "TestSignal.h"
+#include "WavWriter.h"
 #include "WrapperStatus.h"
 
 namespace AAXHost {
@@ -83,6 +84,12 @@ int RunDirectRender(const SDirectRenderRequest& request)
     std::vector<SChannelLevel> levels(static_cast<size_t>(direct->OutputChannels()));
     std::vector<AAX_CMidiPacket> packets;
     AAXDirect::SDirectTransport transport;
+    // The main pair, to set beside a wrapped render of the same input.
+    CWavWriter out;
+    const int outChannels = std::min(2, direct->OutputChannels());
+    if (!request.outPath.empty() &&
+        (outChannels < 1 || !out.Open(request.outPath, outChannels, static_cast<int>(request.sampleRate), error)))
+        return Fail(outChannels < 1 ? std::string("the plug-in has no outputs to write") : error);
     for (const SBlock& block : PlanBlocks(total, request.blockSize)) {
         for (int c = 0; c < direct->InputChannels(); ++c) {
             float* in = direct->Input(c);
@@ -94,6 +101,11 @@ int RunDirectRender(const SDirectRenderRequest& request)
         transport.quarterNotes = static_cast<double>(block.start) / request.sampleRate * transport.tempo / 60.0;
         direct->Prepare(packets.data(), packets.size(), transport, block.frames);
         direct->Process(block.frames);
+        if (!request.outPath.empty()) {
+            const float* pair[2] = {direct->Output(0), direct->Output(outChannels > 1 ? 1 : 0)};
+            if (!out.Write(pair, block.frames))
+                return Fail("cannot write " + request.outPath);
+        }
         for (size_t c = 0; c < levels.size(); ++c) {
             const float* out = direct->Output(static_cast<int>(c));
             SChannelLevel& level = levels[c];

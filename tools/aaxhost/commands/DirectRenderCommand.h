@@ -16,6 +16,7 @@ struct SDirectRenderRequest {
     double sampleRate = 48000.0;
     int blockSize = 512;
     bool json = false;
+    std::string outPath;  // the plug-in's first two outputs as a WAV file; empty: none
 };
 
 int RunDirectRender(const SDirectRenderRequest& request);

@@ -28,7 +28,11 @@ struct SRenderConfig {
     int32_t meterNumerator = 4;
     int32_t meterDenominator = 4;
     double seconds = 0.0;  // 0: the MIDI length plus the tail, or the tail alone
-    double tail = 2.0;
+    // Seconds after the last MIDI event; below 0: the plug-in's declared
+    // tail, at least kDefaultTailSeconds and at most kMostTailSeconds.
+    double tail = -1.0;
+    static constexpr double kDefaultTailSeconds = 2.0;
+    static constexpr double kMostTailSeconds = 30.0;
     std::vector<SParameterSet> sets;
     bool bypass = false;
     bool testInput = false;

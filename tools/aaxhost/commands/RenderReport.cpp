@@ -117,6 +117,8 @@ nlohmann::json RenderReportToJson(const SRenderReport& report)
             {"wall_seconds", report.wallSeconds},
             {"process_calls", report.processCalls},
             {"latency_compensated", report.latencyCompensated},
+            {"tail_seconds", report.tailSeconds},
+            {"tail_source", report.tailSource},
             {"instances_per_call", report.instances.size()},
             {"instances", instances},
             {"plot", plot}};
@@ -130,6 +132,11 @@ void PrintRenderReport(std::ostream& out, const SRenderReport& report)
                   report.sampleRate > 0 ? static_cast<double>(report.totalSamples) / report.sampleRate : 0.0,
                   report.sampleRate, report.blockSize, report.wallSeconds);
     out << line;
+    if (!report.tailSource.empty()) {
+        std::snprintf(line, sizeof line, "Tail after the last MIDI event: %.3f s (%s)\n", report.tailSeconds,
+                      report.tailSource.c_str());
+        out << line;
+    }
     for (size_t i = 0; i < report.instances.size(); ++i) {
         const SInstanceReport& inst = report.instances[i];
         size_t requests = 0;

@@ -52,6 +52,8 @@ struct SRenderReport {
     double wallSeconds = 0.0;
     int64_t processCalls = 0;  // calls of the process procedure, each with every instance
     int32_t latencyCompensated = 0;  // samples trimmed from the start of every file (--compensate)
+    double tailSeconds = 0.0;        // rendered after the last MIDI event (0 with --seconds)
+    std::string tailSource;          // "option", "plugin", "plugin, capped", "default"; empty with --seconds
     std::vector<SInstanceReport> instances;
     SPlotReport plot;
 };

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "AAXWrapper_Status.h"
@@ -37,7 +38,7 @@ std::string CheckRenderConfig(const SRenderConfig& config)
         return "--rate must be from 1000 to 1536000 Hz";
     if (config.blockSize < 1 || config.blockSize > 65536)
         return "block size must be from 1 to 65536";
-    if (!(config.seconds >= 0.0) || !(config.tail >= 0.0) || config.seconds > 86400.0 || config.tail > 86400.0 ||
+    if (!(config.seconds >= 0.0) || std::isnan(config.tail) || config.seconds > 86400.0 || config.tail > 86400.0 ||
         !(config.tempo >= 0.0 && config.tempo <= 10000.0))
         return "--seconds and --tail must be from 0 to 86400, --tempo from 0 to 10000";
     if (std::isnan(config.editorAt) || config.editorAt > 86400.0)
@@ -57,7 +58,8 @@ public:
 
     bool Run()
     {
-        return FindProcessProcedure() && ReadMidi() && CreateInstances() && RestoreState() && ApplyBypass() &&
+        return FindProcessProcedure() && ReadMidi() && CreateInstances() && ChooseLength() && RestoreState() &&
+               ApplyBypass() &&
                TellOffline() && OpenAllOutputs() && RenderBlocks() && WritePlot() && SaveState() && DestroyInstances();
     }
 
@@ -71,6 +73,7 @@ private:
     bool FindProcessProcedure();
     bool ReadMidi();
     bool CreateInstances();
+    bool ChooseLength();
     bool RestoreState();
     bool ApplyBypass();
     bool TellOffline();
@@ -140,9 +143,38 @@ bool CRenderJob::ReadMidi()
     mTransport.meterNumerator = mConfig.meterNumerator;
     mTransport.meterDenominator = mConfig.meterDenominator;
     mTransport.playing = !mConfig.stopped;
-    mReport.totalSamples = mConfig.seconds > 0.0
-                               ? SampleAt(mConfig.seconds, mConfig.sampleRate)
-                               : mSchedule.LastSample() + SampleAt(mConfig.tail, mConfig.sampleRate);
+    return true;
+}
+
+// --seconds, or the MIDI length plus the tail: --tail, else what the first
+// instance's plug-in declares, never less than the default (an instrument's
+// notes ring on past their last event whatever its tail says) and capped.
+bool CRenderJob::ChooseLength()
+{
+    if (mConfig.seconds > 0.0) {
+        mReport.totalSamples = SampleAt(mConfig.seconds, mConfig.sampleRate);
+        return true;
+    }
+    double tail = SRenderConfig::kDefaultTailSeconds;
+    mReport.tailSource = "default";
+    if (mConfig.tail >= 0.0) {
+        tail = mConfig.tail;
+        mReport.tailSource = "option";
+    } else {
+        const std::string& declared = mInstances.front()->WrapperStatus().tail;
+        const double seconds = declared == "infinite" ? HUGE_VAL
+                               : declared.empty()     ? 0.0
+                                                      : std::strtod(declared.c_str(), nullptr) / mConfig.sampleRate;
+        if (seconds > tail) {
+            tail = std::min(seconds, SRenderConfig::kMostTailSeconds);
+            mReport.tailSource = seconds > tail ? "plugin, capped" : "plugin";
+            if (seconds > tail)
+                std::fprintf(stderr, "note: the plug-in's tail (%s%s) is capped at %g s; --tail sets another length\n",
+                             declared.c_str(), declared == "infinite" ? "" : " samples", tail);
+        }
+    }
+    mReport.tailSeconds = tail;
+    mReport.totalSamples = mSchedule.LastSample() + SampleAt(tail, mConfig.sampleRate);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "WrapperStatus.h"
 
+#include <cstdlib>
+#include <exception>
 #include <sstream>
 #include <vector>
 
@@ -9,6 +11,27 @@
 #include "PluginSession.h"
 
 namespace AAXHost {
+
+namespace {
+// "<bus>|<channels>|<plays>|<name>"; the name may hold the separator.
+bool ParseOutput(const std::string& value, SWrappedOutput& out)
+{
+    const size_t a = value.find('|');
+    const size_t b = a == std::string::npos ? a : value.find('|', a + 1);
+    const size_t c = b == std::string::npos ? b : value.find('|', b + 1);
+    if (c == std::string::npos)
+        return false;
+    try {
+        out.bus = std::stoi(value.substr(0, a));
+        out.channels = std::stoi(value.substr(a + 1, b - a - 1));
+    } catch (const std::exception&) {
+        return false;
+    }
+    out.plays = value.substr(b + 1, c - b - 1);
+    out.name = value.substr(c + 1);
+    return true;
+}
+}  // namespace
 
 SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect)
 {
@@ -41,6 +64,13 @@ SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect)
             status.vendor = value;
         else if (key == "version")
             status.version = value;
+        else if (key == "tail")
+            status.tail = value;
+        else if (key == "output") {
+            SWrappedOutput output;
+            if (ParseOutput(value, output))
+                status.outputs.push_back(std::move(output));
+        }
     }
     return status;
 }
@@ -66,8 +96,23 @@ nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper)
 {
     if (!wrapper.present)
         return nullptr;
-    return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin}, {"error", wrapper.error},
-            {"vendor", wrapper.vendor}, {"version", wrapper.version}, {"latency", wrapper.latency}};
+    nlohmann::json outputs = nlohmann::json::array();
+    for (const SWrappedOutput& o : wrapper.outputs)
+        outputs.push_back({{"bus", o.bus}, {"channels", o.channels}, {"plays", o.plays}, {"name", o.name}});
+    return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin},
+            {"error", wrapper.error},    {"vendor", wrapper.vendor}, {"version", wrapper.version},
+            {"latency", wrapper.latency}, {"tail", TailToJson(wrapper.tail)}, {"outputs", outputs}};
+}
+
+nlohmann::json TailToJson(const std::string& tail)
+{
+    if (tail.empty())
+        return nullptr;
+    if (tail == "infinite")
+        return tail;
+    char* end = nullptr;
+    const unsigned long long samples = std::strtoull(tail.c_str(), &end, 10);
+    return end != tail.c_str() && *end == 0 ? nlohmann::json(samples) : nlohmann::json(nullptr);
 }
 
 std::string NotLoadedMessage(const SWrapperStatus& status)

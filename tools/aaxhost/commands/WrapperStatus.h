@@ -5,10 +5,19 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "AAX_IEffectParameters.h"
 
 namespace AAXHost {
+
+// One output bus of the wrapped plug-in and where it plays.
+struct SWrappedOutput {
+    int32_t bus = 0;
+    int32_t channels = 0;
+    std::string plays;  // "main", "stem <n>" (OutputStem_<n>) or "dropped"
+    std::string name;
+};
 
 struct SWrapperStatus {
     bool present = false;  // the effect answered the block
@@ -19,6 +28,9 @@ struct SWrapperStatus {
     std::string vendor;   // as the wrapped plug-in reports them
     std::string version;
     int32_t latency = 0;  // samples, as the effect reported it once initialised (SetSignalLatency)
+    // The plug-in's tail: "<samples>", "infinite", or empty when it does not say.
+    std::string tail;
+    std::vector<SWrappedOutput> outputs;
 };
 
 class CPluginSession;
@@ -31,6 +43,9 @@ SWrapperStatus ProbeWrapperStatus(CPluginSession& session);
 
 // The "wrapper" object of the JSON forms; null for bundles that are no wrapper.
 nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper);
+
+// The tail as JSON: samples, "infinite", or null when not declared.
+nlohmann::json TailToJson(const std::string& tail);
 
 // "the wrapped plug-in could not be loaded: <reason>"
 std::string NotLoadedMessage(const SWrapperStatus& status);

@@ -153,7 +153,9 @@ int main(int argc, char** argv)
     render->add_option("--tempo", rc.tempo, "Tempo in BPM (default: the MIDI file's, else 120)");
     render->add_option("--meter", meter, "Meter, e.g. 3/4 (default 4/4)");
     render->add_option("--seconds", rc.seconds, "Length in seconds (default: MIDI length plus tail)");
-    render->add_option("--tail", rc.tail, "Seconds rendered after the last MIDI event")->capture_default_str();
+    render->add_option("--tail", rc.tail,
+                       "Seconds rendered after the last MIDI event (default: the tail the plug-in declares, "
+                       "at least 2 and at most 30)");
     render->add_option("--set", sets, "Parameter change ID=VALUE or ID=VALUE@SECONDS (normalised 0..1)");
     render->add_flag("--bypass", rc.bypass, "Engage the master bypass");
     render->add_flag("--test-input", rc.testInput, "Feed a distinct sine to every input channel");
@@ -209,6 +211,7 @@ int main(int argc, char** argv)
     renderDirect->add_option("--rate", dr.sampleRate, "Sample rate in Hz")->capture_default_str();
     renderDirect->add_option("--block", dr.blockSize, "Buffer size in samples")->capture_default_str();
     renderDirect->add_flag("--json", dr.json, "Print the levels as JSON");
+    renderDirect->add_option("--out", dr.outPath, "WAV file of the plug-in's main pair (32-bit float)");
 
     SValidateConfig vc;
     auto* validate = app.add_subcommand("validate", "Run the named checks a host's validator makes; exit 0 only when all pass");
