@@ -156,7 +156,8 @@ private:
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
     void routeOutputBuses();
-    void routeAuxiliaryOutputBuses(std::vector<Steinberg::int32>& firstChannel, Steinberg::int32 next);
+    // True when at least one auxiliary bus plays.
+    bool routeAuxiliaryOutputBuses(std::vector<Steinberg::int32>& firstChannel, Steinberg::int32 next);
     void noteOutputRoute(Steinberg::int32 bus, const Steinberg::Vst::BusInfo& info, Steinberg::int32 firstChannel);
     void makeScratchChannels();
     float* scratchChannel(Steinberg::Vst::BusDirection direction, Steinberg::int32 channel);
@@ -186,7 +187,10 @@ private:
     // kContextOutputs they are scratch.
     Steinberg::int32 mOutputChannelCount = 0;
     // Each output bus's first context channel; -1 for a bus that is off.
+    // Main buses take theirs in order without it: only auxiliary buses
+    // (mAuxOutputsRouted) are looked up per buffer.
     std::vector<Steinberg::int32> mOutputBusFirstChannel;
+    bool mAuxOutputsRouted = false;
     std::vector<SOutputRoute> mOutputRoutes;
     Steinberg::MemoryStream mStream;
     // Main-bus channels beyond the context's get scratch buffers of the most

@@ -79,17 +79,17 @@ void CVST3Loader::routeOutputBuses()
         noteOutputRoute(bus, info, next);
         next += std::max(info.channelCount, int32{0});
     }
-    if (mStandard)
-        routeAuxiliaryOutputBuses(firstChannel, next);
+    mAuxOutputsRouted = mStandard && routeAuxiliaryOutputBuses(firstChannel, next);
     // CLASSIC sets up again under running process calls: a layout that did
     // not change is left untouched.
     if (firstChannel != mOutputBusFirstChannel)
         mOutputBusFirstChannel = std::move(firstChannel);
 }
 
-void CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, int32 next)
+bool CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, int32 next)
 {
     const int32 busCount = static_cast<int32>(firstChannel.size());
+    bool routed = false;
 
     next = std::max(next + (next & 1), kFirstStemChannel);
     for (int32 bus = 0; bus < busCount; ++bus) {
@@ -112,7 +112,9 @@ void CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, in
         noteOutputRoute(bus, info, next);
         next += info.channelCount + (info.channelCount & 1);
         mOutputChannelCount = next;
+        routed = true;
     }
+    return routed;
 }
 
 void CVST3Loader::noteOutputRoute(int32 bus, const BusInfo& info, int32 firstChannel)

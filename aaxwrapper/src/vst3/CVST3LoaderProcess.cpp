@@ -54,19 +54,31 @@ void CVST3Loader::setProcessingBuffers(float* const* inputs, float* const* outpu
             buffers.silenceFlags = ~uint64_t{0};
         }
     }
-    const int32 routed = static_cast<int32>(mOutputBusFirstChannel.size());
+    // Main buses in order, as they always were; auxiliary ones (STANDARD)
+    // from the channel their route gave them.
+    k = 0;
+    const int32 routed = mAuxOutputsRouted ? static_cast<int32>(mOutputBusFirstChannel.size()) : 0;
     for (int32 bus = 0; bus < mProcessData.numOutputs; ++bus) {
         AudioBusBuffers& buffers = mProcessData.outputs[bus];
         buffers.silenceFlags = 0;
-        const int32 first = bus < routed ? mOutputBusFirstChannel[static_cast<size_t>(bus)] : -1;
-        if (first < 0)
-            continue;
-        for (int32 c = 0; c < buffers.numChannels; ++c) {
-            const int32 index = first + c;
-            float* channel = nullptr;
-            if (outputs)
-                channel = index < kContextOutputs ? outputs[index] : scratchChannel(kOutput, index);
-            buffers.channelBuffers32[c] = channel;
+        if (bus < 64 && (mOutputMainBusMask & (uint64_t{1} << bus))) {
+            for (int32 c = 0; c < buffers.numChannels; ++c) {
+                float* channel = nullptr;
+                if (outputs) {
+                    channel = k < kContextOutputs ? outputs[k] : scratchChannel(kOutput, k);
+                    ++k;
+                }
+                buffers.channelBuffers32[c] = channel;
+            }
+        } else if (bus < routed && mOutputBusFirstChannel[static_cast<size_t>(bus)] >= 0) {
+            const int32 first = mOutputBusFirstChannel[static_cast<size_t>(bus)];
+            for (int32 c = 0; c < buffers.numChannels; ++c) {
+                const int32 index = first + c;
+                float* channel = nullptr;
+                if (outputs)
+                    channel = index < kContextOutputs ? outputs[index] : scratchChannel(kOutput, index);
+                buffers.channelBuffers32[c] = channel;
+            }
         }
     }
 }
