@@ -156,10 +156,10 @@ private:
     void drainToController(Morvane::vst3::ParameterChangeTransfer& queue);
     void releaseAll();
     void routeOutputBuses();
-    // True when at least one auxiliary bus plays.
-    bool routeAuxiliaryOutputBuses(std::vector<Steinberg::int32>& firstChannel, Steinberg::int32 next);
+    void routeAuxiliaryOutputBuses(std::vector<Steinberg::int32>& firstChannel, Steinberg::int32 next);
     void noteOutputRoute(Steinberg::int32 bus, const Steinberg::Vst::BusInfo& info, Steinberg::int32 firstChannel);
     void makeScratchChannels();
+    void linkChannels();
     float* scratchChannel(Steinberg::Vst::BusDirection direction, Steinberg::int32 channel);
 
     Steinberg::IPluginFactory* mFactory = nullptr;
@@ -187,10 +187,20 @@ private:
     // kContextOutputs they are scratch.
     Steinberg::int32 mOutputChannelCount = 0;
     // Each output bus's first context channel; -1 for a bus that is off.
-    // Main buses take theirs in order without it: only auxiliary buses
-    // (mAuxOutputsRouted) are looked up per buffer.
     std::vector<Steinberg::int32> mOutputBusFirstChannel;
-    bool mAuxOutputsRouted = false;
+    // One bus channel slot of the process data and what fills it: a context
+    // channel, or (contextChannel -1) a scratch buffer or nothing.
+    struct SChannelLink {
+        float** slot = nullptr;
+        Steinberg::int32 contextChannel = -1;
+        float* scratch = nullptr;
+        bool operator==(const SChannelLink& o) const
+        {
+            return slot == o.slot && contextChannel == o.contextChannel && scratch == o.scratch;
+        }
+    };
+    std::vector<SChannelLink> mInputLinks;
+    std::vector<SChannelLink> mOutputLinks;
     std::vector<SOutputRoute> mOutputRoutes;
     Steinberg::MemoryStream mStream;
     // Main-bus channels beyond the context's get scratch buffers of the most

@@ -25,6 +25,7 @@ void CVST3Loader::setupBuses()
     mInputChannelCount = countMainBusChannels(kInput, mInputMainBusMask);
     routeOutputBuses();
     makeScratchChannels();
+    linkChannels();
 
     if (mComponent->getBusCount(kEvent, kInput) <= 0)
         mInputEvents.reset();
@@ -79,17 +80,14 @@ void CVST3Loader::routeOutputBuses()
         noteOutputRoute(bus, info, next);
         next += std::max(info.channelCount, int32{0});
     }
-    mAuxOutputsRouted = mStandard && routeAuxiliaryOutputBuses(firstChannel, next);
-    // CLASSIC sets up again under running process calls: a layout that did
-    // not change is left untouched.
-    if (firstChannel != mOutputBusFirstChannel)
-        mOutputBusFirstChannel = std::move(firstChannel);
+    if (mStandard)
+        routeAuxiliaryOutputBuses(firstChannel, next);
+    mOutputBusFirstChannel = std::move(firstChannel);
 }
 
-bool CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, int32 next)
+void CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, int32 next)
 {
     const int32 busCount = static_cast<int32>(firstChannel.size());
-    bool routed = false;
 
     next = std::max(next + (next & 1), kFirstStemChannel);
     for (int32 bus = 0; bus < busCount; ++bus) {
@@ -112,9 +110,7 @@ bool CVST3Loader::routeAuxiliaryOutputBuses(std::vector<int32>& firstChannel, in
         noteOutputRoute(bus, info, next);
         next += info.channelCount + (info.channelCount & 1);
         mOutputChannelCount = next;
-        routed = true;
     }
-    return routed;
 }
 
 void CVST3Loader::noteOutputRoute(int32 bus, const BusInfo& info, int32 firstChannel)
@@ -152,4 +148,36 @@ void CVST3Loader::makeScratchChannels()
     mScratchOutputs.assign(static_cast<size_t>(extraOutputs) * block, 0.0f);
     mScratchInputChannels = extraInputs;
     mScratchOutputChannels = extraOutputs;
+}
+
+void CVST3Loader::linkChannels()
+{
+    std::vector<SChannelLink> inputs;
+    int32 k = 0;
+    for (int32 bus = 0; bus < mProcessData.numInputs; ++bus) {
+        AudioBusBuffers& buffers = mProcessData.inputs[bus];
+        if (bus >= 64 || !(mInputMainBusMask & (uint64_t{1} << bus))) {
+            buffers.silenceFlags = ~uint64_t{0};
+            continue;
+        }
+        for (int32 c = 0; c < buffers.numChannels; ++c, ++k)
+            inputs.push_back({&buffers.channelBuffers32[c], k < kContextInputs ? k : -1, scratchChannel(kInput, k)});
+    }
+    std::vector<SChannelLink> outputs;
+    const int32 routed = static_cast<int32>(mOutputBusFirstChannel.size());
+    for (int32 bus = 0; bus < mProcessData.numOutputs && bus < routed; ++bus) {
+        const int32 first = mOutputBusFirstChannel[static_cast<size_t>(bus)];
+        AudioBusBuffers& buffers = mProcessData.outputs[bus];
+        for (int32 c = 0; first >= 0 && c < buffers.numChannels; ++c) {
+            const int32 index = first + c;
+            outputs.push_back(
+                {&buffers.channelBuffers32[c], index < kContextOutputs ? index : -1, scratchChannel(kOutput, index)});
+        }
+    }
+    // CLASSIC sets up again under running process calls: links that did not
+    // change are left untouched.
+    if (inputs != mInputLinks)
+        mInputLinks = std::move(inputs);
+    if (outputs != mOutputLinks)
+        mOutputLinks = std::move(outputs);
 }

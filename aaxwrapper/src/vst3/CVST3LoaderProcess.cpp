@@ -36,51 +36,16 @@ float* CVST3Loader::scratchChannel(BusDirection direction, int32 channel)
     return scratch.data() + static_cast<size_t>(index) * static_cast<size_t>(mMaxBlock);
 }
 
+// Each channel slot of the buses was linked to its context channel or
+// scratch buffer at set-up: only the host's pointers change per buffer.
 void CVST3Loader::setProcessingBuffers(float* const* inputs, float* const* outputs)
 {
-    int32 k = 0;
-    for (int32 bus = 0; bus < mProcessData.numInputs; ++bus) {
-        AudioBusBuffers& buffers = mProcessData.inputs[bus];
-        if (bus < 64 && (mInputMainBusMask & (uint64_t{1} << bus))) {
-            for (int32 c = 0; c < buffers.numChannels; ++c) {
-                float* channel = nullptr;
-                if (inputs) {
-                    channel = k < kContextInputs ? inputs[k] : scratchChannel(kInput, k);
-                    ++k;
-                }
-                buffers.channelBuffers32[c] = channel;
-            }
-        } else {
-            buffers.silenceFlags = ~uint64_t{0};
-        }
-    }
-    // Main buses in order, as they always were; auxiliary ones (STANDARD)
-    // from the channel their route gave them.
-    k = 0;
-    const int32 routed = mAuxOutputsRouted ? static_cast<int32>(mOutputBusFirstChannel.size()) : 0;
-    for (int32 bus = 0; bus < mProcessData.numOutputs; ++bus) {
-        AudioBusBuffers& buffers = mProcessData.outputs[bus];
-        buffers.silenceFlags = 0;
-        if (bus < 64 && (mOutputMainBusMask & (uint64_t{1} << bus))) {
-            for (int32 c = 0; c < buffers.numChannels; ++c) {
-                float* channel = nullptr;
-                if (outputs) {
-                    channel = k < kContextOutputs ? outputs[k] : scratchChannel(kOutput, k);
-                    ++k;
-                }
-                buffers.channelBuffers32[c] = channel;
-            }
-        } else if (bus < routed && mOutputBusFirstChannel[static_cast<size_t>(bus)] >= 0) {
-            const int32 first = mOutputBusFirstChannel[static_cast<size_t>(bus)];
-            for (int32 c = 0; c < buffers.numChannels; ++c) {
-                const int32 index = first + c;
-                float* channel = nullptr;
-                if (outputs)
-                    channel = index < kContextOutputs ? outputs[index] : scratchChannel(kOutput, index);
-                buffers.channelBuffers32[c] = channel;
-            }
-        }
-    }
+    for (const SChannelLink& link : mInputLinks)
+        *link.slot = !inputs ? nullptr : link.contextChannel >= 0 ? inputs[link.contextChannel] : link.scratch;
+    for (int32 bus = 0; bus < mProcessData.numOutputs; ++bus)
+        mProcessData.outputs[bus].silenceFlags = 0;
+    for (const SChannelLink& link : mOutputLinks)
+        *link.slot = !outputs ? nullptr : link.contextChannel >= 0 ? outputs[link.contextChannel] : link.scratch;
 }
 
 void CVST3Loader::doProcess(int numSamples)

@@ -158,6 +158,10 @@ bool ParameterChangeTransfer::popRing(Vst::ParamID& id, Vst::ParamValue& value, 
 
 void ParameterChangeTransfer::transferChangesTo(ParameterChanges& changes)
 {
+    // The usual buffer: nothing came since the last one.
+    if (!mScanning && mRead.load(std::memory_order_relaxed) == mWrite.load(std::memory_order_acquire) &&
+        !mLatestWaiting.load(std::memory_order_acquire))
+        return;
     Vst::ParamID id = 0;
     Vst::ParamValue value = 0.0;
     int32 offset = 0;
