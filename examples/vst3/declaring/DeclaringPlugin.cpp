@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 #include "../common/CTrace.h"
 #include "pluginterfaces/base/ibstream.h"
@@ -201,6 +202,20 @@ tresult PLUGIN_API DeclaringPlugin::getParamStringByValue(ParamID id, ParamValue
     char text[32];
     std::snprintf(text, sizeof text, "%d", LatencyOf(value));
     UString(string, 128).fromAscii(text);
+    return kResultOk;
+}
+
+tresult PLUGIN_API DeclaringPlugin::getParamValueByString(ParamID id, TChar* string, ParamValue& value)
+{
+    if (id != kLatencyParam || !string)
+        return kInvalidArgument;
+    char text[128];
+    UString(string, 128).toAscii(text, sizeof text);
+    char* end = nullptr;
+    const long samples = std::strtol(text, &end, 10);
+    if (end == text || samples < 0 || samples > kMaxLatency)
+        return kResultFalse;
+    value = static_cast<double>(samples) / kMaxLatency;
     return kResultOk;
 }
 

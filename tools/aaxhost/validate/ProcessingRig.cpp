@@ -1,5 +1,6 @@
 #include "ProcessingRig.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "AllocationCount.h"
@@ -97,12 +98,21 @@ void CProcessingRig::ProcessTogether(const std::vector<CProcessingRig*>& rigs, i
 
 float CProcessingRig::MainOutputDistanceFromInput(int32_t frames)
 {
+    // An effect that reported a latency plays its bypassed input as late,
+    // as a host's delay compensation expects; the test signal says what that
+    // input was.
+    const int32_t latency = mTestInput ? std::max<int32_t>(0, mInstance->Controller()->Latency()) : 0;
+    const int64_t start = mPosition - frames;
     float worst = 0.0f;
     for (int ch = 0; ch < 2; ++ch) {
         const float* out = mInstance->Output(ch);
         const float* in = mInstance->Input(ch);
-        for (int32_t i = 0; i < frames; ++i)
-            worst = std::max(worst, std::fabs(out[i] - in[i]));
+        for (int32_t i = 0; i < frames; ++i) {
+            const int64_t source = start + i - latency;
+            const float expected =
+                latency == 0 ? in[i] : source < 0 ? 0.0f : TestInputSample(ch, source, mSampleRate);
+            worst = std::max(worst, std::fabs(out[i] - expected));
+        }
     }
     return worst;
 }

@@ -48,7 +48,8 @@ public:
     int64_t Position() const { return mPosition; }
     int32_t MaxBlock() const { return mMaxBlock; }
     // Largest difference between the main output pair and input channels
-    // 0 and 1 in the last buffer.
+    // 0 and 1 in the last buffer; with the test input, input as late as the
+    // latency the effect reported.
     float MainOutputDistanceFromInput(int32_t frames);
 
 private:
