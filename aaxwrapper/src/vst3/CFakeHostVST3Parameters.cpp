@@ -10,104 +10,20 @@
 #include "logger/CLog.h"
 #include "stlutils.h"
 #include "vst3/CVST3Loader.h"
+#include "vst3/Utf16Text.h"
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 
 namespace {
-// Parameter titles are UTF-16; AAX names are UTF-8. False on a broken
-// surrogate pair.
-bool utf16ToUtf8(const char16* text, size_t maxLength, std::string& out)
-{
-    out.clear();
-    for (size_t i = 0; i < maxLength && text[i] != 0; ++i) {
-        uint32_t c = static_cast<uint16_t>(text[i]);
-        if (c >= 0xD800 && c <= 0xDBFF) {
-            if (i + 1 >= maxLength)
-                return false;
-            const uint32_t low = static_cast<uint16_t>(text[i + 1]);
-            if (low < 0xDC00 || low > 0xDFFF)
-                return false;
-            c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-            ++i;
-        } else if (c >= 0xDC00 && c <= 0xDFFF) {
-            return false;
-        }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return true;
-}
-
-// The other way, into a String128; false when the text does not fit or is
-// not UTF-8.
-bool utf8ToUtf16(const std::string& text, String128 out)
-{
-    constexpr size_t kRoom = 128;
-    size_t n = 0;
-    for (size_t i = 0; i < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        uint32_t c = 0;
-        size_t length = 0;
-        if (byte < 0x80) {
-            c = byte;
-            length = 1;
-        } else if ((byte & 0xE0) == 0xC0) {
-            c = byte & 0x1Fu;
-            length = 2;
-        } else if ((byte & 0xF0) == 0xE0) {
-            c = byte & 0x0Fu;
-            length = 3;
-        } else if ((byte & 0xF8) == 0xF0) {
-            c = byte & 0x07u;
-            length = 4;
-        } else {
-            return false;
-        }
-        if (i + length > text.size())
-            return false;
-        for (size_t k = 1; k < length; ++k) {
-            const auto next = static_cast<unsigned char>(text[i + k]);
-            if ((next & 0xC0) != 0x80)
-                return false;
-            c = (c << 6) | (next & 0x3Fu);
-        }
-        i += length;
-        if (c >= 0x10000) {
-            if (n + 2 >= kRoom)
-                return false;
-            c -= 0x10000;
-            out[n++] = static_cast<char16>(0xD800 + (c >> 10));
-            out[n++] = static_cast<char16>(0xDC00 + (c & 0x3FF));
-        } else {
-            if (n + 1 >= kRoom)
-                return false;
-            out[n++] = static_cast<char16>(c);
-        }
-    }
-    out[n] = 0;
-    return true;
-}
-
 bool EndsWith(const std::string& text, const std::string& tail)
 {
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
 using Morvane::stlutils::trim;
+using Morvane::vst3::utf16ToUtf8;
+using Morvane::vst3::utf8ToUtf16;
 
 }  // namespace
 
@@ -116,6 +32,8 @@ void CFakeHostVST3::ReadParameterIds()
     mParamIds.clear();
     mParamHidden.clear();
     mParamUnits.clear();
+    mParamFlags.clear();
+    mParamUnitIds.clear();
     IEditController* controller = mVst3Loader->getController();
     if (!controller)
         return;
@@ -130,6 +48,12 @@ void CFakeHostVST3::ReadParameterIds()
         if (!known || !utf16ToUtf8(info.units, sizeof(info.units) / sizeof(info.units[0]), units))
             units.clear();
         mParamUnits.push_back(trim(units));
+        mParamFlags.push_back(known ? info.flags : 0);
+        mParamUnitIds.push_back(known ? info.unitId : kRootUnitId);
+    }
+    if (IsStandard()) {
+        ReadGroups();
+        ReadProgramList();
     }
 }
 
@@ -175,6 +99,16 @@ SParameterInfo CFakeHostVST3::DoGetParameterInfo(int index)
     out.steps = info.stepCount > 0 ? info.stepCount : 0;
     if (static_cast<size_t>(index) < mParamUnits.size())
         out.units = mParamUnits[static_cast<size_t>(index)];
+    if (IsStandard()) {
+        out.bypass = (info.flags & ParameterInfo::kIsBypass) != 0;
+        if (static_cast<size_t>(index) < mParamGroups.size())
+            out.group = mParamGroups[static_cast<size_t>(index)];
+        if (IsProgram(index)) {
+            out.program = true;
+            out.name = "Program";
+            out.steps = static_cast<int32_t>(mProgramNames.size()) - 1;
+        }
+    }
     // Only CLASSIC requires identifiers to equal indices; STANDARD maps them.
     if (!IsStandard()) {
         MV_COND_ASSERT("fakehost", index == static_cast<int>(info.id), "inParamIndex == info.id",
@@ -213,6 +147,10 @@ std::optional<std::string> CFakeHostVST3::DoGetParameterText(int index, double v
     if (!IsStandard() || !mVst3Loader || !mVst3Loader->getController() || index < 0 ||
         static_cast<size_t>(index) >= mParamIds.size() || !std::isfinite(value))
         return std::nullopt;
+    if (IsProgram(index)) {
+        const auto last = static_cast<double>(mProgramNames.size() - 1);
+        return mProgramNames[static_cast<size_t>(std::lround(std::clamp(value, 0.0, 1.0) * last))];
+    }
     String128 text{};
     {
         auto lock = mVst3Loader->lockControllerAccess();
@@ -242,6 +180,11 @@ std::optional<double> CFakeHostVST3::DoGetParameterValueFromText(int index, cons
     const std::string wanted = trim(text);
     if (wanted.empty())
         return std::nullopt;
+    if (IsProgram(index)) {
+        const auto found = std::find(mProgramNames.begin(), mProgramNames.end(), wanted);
+        if (found != mProgramNames.end())
+            return static_cast<double>(found - mProgramNames.begin()) / static_cast<double>(mProgramNames.size() - 1);
+    }
     const std::string& units = mParamUnits[static_cast<size_t>(index)];
     std::vector<std::string> tries{wanted};
     if (!units.empty() && EndsWith(wanted, units) && wanted.size() > units.size())

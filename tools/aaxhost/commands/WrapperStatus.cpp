@@ -41,6 +41,8 @@ SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect)
             status.vendor = value;
         else if (key == "version")
             status.version = value;
+        else if (key == "bypass")
+            status.pluginBypasses = value == "plugin";
     }
     return status;
 }
@@ -67,7 +69,8 @@ nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper)
     if (!wrapper.present)
         return nullptr;
     return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin}, {"error", wrapper.error},
-            {"vendor", wrapper.vendor}, {"version", wrapper.version}, {"latency", wrapper.latency}};
+            {"vendor", wrapper.vendor}, {"version", wrapper.version}, {"latency", wrapper.latency},
+            {"bypass", wrapper.pluginBypasses ? "plugin" : "copy"}};
 }
 
 std::string NotLoadedMessage(const SWrapperStatus& status)
