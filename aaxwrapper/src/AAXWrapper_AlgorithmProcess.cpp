@@ -92,13 +92,16 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
                 continue;
             const size_t bytes = BufferBytes(*context);
 
-            const bool bypassed = context->mBypass != nullptr && *context->mBypass != 0;
             AAXWrapper_Parameters* wrapper = nullptr;
             if (context->mPrivateData != nullptr)
                 std::memcpy(&wrapper, context->mPrivateData, sizeof(wrapper));
+            // A plug-in that bypasses itself (the master bypass reached it as
+            // its own parameter) plays every buffer, keeping latency and tails.
+            const bool selfBypass = wrapper != nullptr && wrapper->BypassesItself();
+            const bool bypassed = !selfBypass && context->mBypass != nullptr && *context->mBypass != 0;
             // A plug-in with latency: the bypass plays the input as late as
             // the plug-in would, and so hears every buffer.
-            if (wrapper != nullptr && wrapper->DelaysBypass()) {
+            if (!selfBypass && wrapper != nullptr && wrapper->DelaysBypass()) {
                 if (DelayedBypass(*wrapper, *context, bypassed))
                     continue;
             } else if (bypassed) {

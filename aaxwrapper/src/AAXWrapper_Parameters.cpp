@@ -234,6 +234,34 @@ AAX_Result AAXWrapper_Parameters::EffectInit()
     return AAX_SUCCESS;
 }
 
+// STANDARD: program choices first, so that a restore chooses the program
+// before the values it would otherwise overwrite; then index order.
+std::vector<int> AAXWrapper_Parameters::PublishingOrder(const std::vector<SParameterInfo>& infos) const
+{
+    std::vector<int> order;
+    for (size_t i = 0; i < infos.size(); ++i)
+        if (IsStandard() && infos[i].program)
+            order.push_back(static_cast<int>(i));
+    for (size_t i = 0; i < infos.size(); ++i)
+        if (!IsStandard() || !infos[i].program)
+            order.push_back(static_cast<int>(i));
+    return order;
+}
+
+// STANDARD: the plug-in's own bypass switch follows the master bypass; the
+// real-time callback then leaves bypassed buffers to the plug-in, which
+// keeps its latency and tails.
+void AAXWrapper_Parameters::AdoptPluginBypass(int index, const SParameterInfo& info)
+{
+    mBypassIndex = index;
+    mBypassTag = info.tag;
+    const std::optional<double> current = mFakeHost->GetParameterValue(index);
+    mLastValues[static_cast<size_t>(index)].store(current ? *current : 0.0, std::memory_order_relaxed);
+    mBypassesItself.store(true, std::memory_order_relaxed);
+    MV_LOG("parameters", kLogInfo, "The master bypass drives the plug-in's own bypass \"", info.name, "\" (",
+           info.tag, ")");
+}
+
 void AAXWrapper_Parameters::PublishPluginParameters()
 {
     const int count = mFakeHost->GetParameterCount();
@@ -245,8 +273,15 @@ void AAXWrapper_Parameters::PublishPluginParameters()
     mClassicNames.assign(static_cast<size_t>(std::max(count, 0)), std::string());
     mSteps.assign(static_cast<size_t>(std::max(count, 0)), 0);
     mReadOnly.assign(static_cast<size_t>(std::max(count, 0)), false);
-    for (int index = 0; index < count; ++index) {
-        const SParameterInfo info = mFakeHost->GetParameterInfo(index);
+    std::vector<SParameterInfo> infos;
+    for (int index = 0; index < count; ++index)
+        infos.push_back(mFakeHost->GetParameterInfo(index));
+    for (const int index : PublishingOrder(infos)) {
+        const SParameterInfo& info = infos[static_cast<size_t>(index)];
+        if (IsStandard() && info.bypass && mBypassIndex < 0) {
+            AdoptPluginBypass(index, info);
+            continue;
+        }
         if (IsStandard() && !info.published)
             continue;
         const std::string& name = info.name;
@@ -273,11 +308,14 @@ void AAXWrapper_Parameters::PublishPluginParameters()
             std::snprintf(id, sizeof(id), "%d", index);
         }
         mPublished.emplace_back(index, id);
+        if (IsStandard())
+            mNotes.push_back(SParameterNote{id, info.units, info.group});
         AAX_CParameter<float>* parameter = nullptr;
         if (IsStandard()) {
             // The plug-in's texts, steps and read-only flag; its values
             // stay normalised, so sessions and automation keep their meaning.
-            const int32_t steps = info.steps > 0 && info.steps <= kMostSteps ? info.steps : 0;
+            // A program list stays a list however long (amsynth: 3584).
+            const int32_t steps = info.steps > 0 && (info.steps <= kMostSteps || info.program) ? info.steps : 0;
             mSteps[static_cast<size_t>(index)] = steps;
             mReadOnly[static_cast<size_t>(index)] = !info.automatable;
             value = static_cast<float>(OnStep(value, steps));
@@ -329,7 +367,10 @@ AAX_Result AAXWrapper_Parameters::UpdateParameterNormalizedValue(AAX_CParamID iP
         return AAX_ERROR_INVALID_ARGUMENT;
     }
     double held = iValue;
-    if (mFakeHost != nullptr && iParameterID != nullptr && std::strcmp(iParameterID, kMasterBypassID) != 0) {
+    const bool masterBypass = iParameterID != nullptr && std::strcmp(iParameterID, kMasterBypassID) == 0;
+    if (masterBypass && mBypassIndex >= 0)
+        CallFakeHost("UpdateParameterNormalizedValue", [&] { ForwardMasterBypass(iValue); });
+    if (mFakeHost != nullptr && iParameterID != nullptr && !masterBypass) {
         CallFakeHost("UpdateParameterNormalizedValue", [&] { held = ForwardParameterChange(iParameterID, iValue); });
     }
     return AAX_CEffectParameters::UpdateParameterNormalizedValue(iParameterID, held, iSource);
@@ -352,6 +393,35 @@ double AAXWrapper_Parameters::ForwardParameterChange(AAX_CParamID iParameterID, 
         mFakeHost->AddInputChangeForProcessing(index, iValue);
     }
     return iValue;
+}
+
+// The switch is on or off; the echo of what the plug-in itself set ends here.
+void AAXWrapper_Parameters::ForwardMasterBypass(double value)
+{
+    const double on = value >= 0.5 ? 1.0 : 0.0;
+    std::atomic<double>& last = mLastValues[static_cast<size_t>(mBypassIndex)];
+    if (last.load(std::memory_order_relaxed) == on)
+        return;
+    last.store(on, std::memory_order_relaxed);
+    mFakeHost->AddInputChangeForGUI(mBypassIndex, on);
+    mFakeHost->AddInputChangeForProcessing(mBypassIndex, on);
+}
+
+// The plug-in's bypass as it holds it (after a restore, or its own edit)
+// moves the master bypass, without sending it back.
+void AAXWrapper_Parameters::ReadPluginBypass()
+{
+    if (mBypassIndex < 0)
+        return;
+    const std::optional<double> read = mFakeHost->GetParameterValue(mBypassIndex);
+    if (!read || !std::isfinite(*read))
+        return;
+    const double on = *read >= 0.5 ? 1.0 : 0.0;
+    double current = 0.0;
+    if (GetParameterNormalizedValue(kMasterBypassID, &current) == AAX_SUCCESS && current == on)
+        return;
+    mLastValues[static_cast<size_t>(mBypassIndex)].store(on, std::memory_order_relaxed);
+    AAX_CEffectParameters::UpdateParameterNormalizedValue(kMasterBypassID, on, AAX_eUpdateSource_Unspecified);
 }
 
 // STANDARD: compared with the last value that crossed, never with what the
@@ -410,6 +480,7 @@ double AAXWrapper_Parameters::ForwardChangeOnce(AAX_CParamID iParameterID, doubl
 // plug-in: the base update only moves the AAX side).
 void AAXWrapper_Parameters::ReadParametersFromPlugin()
 {
+    ReadPluginBypass();
     for (const auto& published : mPublished) {
         const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
         if (!read || !std::isfinite(*read))
@@ -436,6 +507,7 @@ void AAXWrapper_Parameters::SyncHeldValues()
         return;
     constexpr double kRoundingOnly = 1e-6;  // as for the parameter just set
     const bool keepRounding = !mFakeHost->StateHoldsParameterValues();
+    ReadPluginBypass();
     for (const auto& published : mPublished) {
         const std::optional<double> read = mFakeHost->GetParameterValue(published.first);
         const double value = read ? HeldOnStep(published.first, *read) : 0.0;
@@ -461,18 +533,29 @@ struct STagText {
 };
 }  // namespace
 
+bool AAXWrapper_Parameters::IsPluginBypass(uint32_t tag) const
+{
+    return mBypassIndex >= 0 && tag == mBypassTag;
+}
+
 void AAXWrapper_Parameters::OnPluginBeginEdit(uint32_t tag)
 {
-    TouchParameter(STagText(tag).text);
+    TouchParameter(IsPluginBypass(tag) ? kMasterBypassID : STagText(tag).text);
 }
 
 void AAXWrapper_Parameters::OnPluginEndEdit(uint32_t tag)
 {
-    ReleaseParameter(STagText(tag).text);
+    ReleaseParameter(IsPluginBypass(tag) ? kMasterBypassID : STagText(tag).text);
 }
 
 void AAXWrapper_Parameters::OnPluginEdit(uint32_t tag, double value)
 {
+    if (IsPluginBypass(tag)) {
+        const double on = value >= 0.5 ? 1.0 : 0.0;
+        mLastValues[static_cast<size_t>(mBypassIndex)].store(on, std::memory_order_relaxed);
+        SetParameterNormalizedValue(kMasterBypassID, on);
+        return;
+    }
     // STANDARD: heard first, so that the host's echo of the value is not
     // sent back to the plug-in.
     if (IsStandard()) {
@@ -485,6 +568,10 @@ void AAXWrapper_Parameters::OnPluginEdit(uint32_t tag, double value)
 
 void AAXWrapper_Parameters::OnPluginValueMoved(uint32_t tag, double value)
 {
+    if (IsPluginBypass(tag)) {
+        OnPluginEdit(tag, value);
+        return;
+    }
     const STagText id(tag);
     double current = 0.0;
     if (GetParameterNormalizedValue(id.text, &current) != AAX_SUCCESS || current == value)
@@ -610,7 +697,8 @@ std::string AAXWrapper_Parameters::StatusText() const
 {
     std::string text = "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" +
                        mPluginPath + "\nerror=" + mLoadError + "\nvendor=" + OneLine(mPluginVendor) +
-                       "\nversion=" + OneLine(mPluginVersion) + "\n";
+                       "\nversion=" + OneLine(mPluginVersion) + "\nbypass=" +
+                       (mBypassesItself.load(std::memory_order_relaxed) ? "plugin" : "copy") + "\n";
     if (mFakeHost == nullptr)
         return text + "tail=\n";
     text += "tail=" + TailText(mFakeHost->GetTail()) + "\n";
@@ -620,14 +708,33 @@ std::string AAXWrapper_Parameters::StatusText() const
     return text;
 }
 
+namespace {
+// A plug-in's own text in one field of a tab-separated line.
+std::string OneField(std::string text)
+{
+    for (char& c : text)
+        if (c == '\n' || c == '\r' || c == '\t')
+            c = ' ';
+    return text;
+}
+}  // namespace
+
+std::string AAXWrapper_Parameters::ParameterNotesText() const
+{
+    std::string text;
+    for (const SParameterNote& note : mNotes)
+        text += note.id + "\t" + OneField(note.units) + "\t" + OneField(note.group) + "\n";
+    return text;
+}
+
 AAX_Result AAXWrapper_Parameters::GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
                                                 uint32_t* oDataWritten) const
 {
-    if (iDataBlockID != kWrapperStatusBlockID)
+    if (iDataBlockID != kWrapperStatusBlockID && iDataBlockID != kWrapperParameterNotesBlockID)
         return AAX_CEffectParameters::GetCustomData(iDataBlockID, inDataSize, oData, oDataWritten);
     if (oDataWritten == nullptr || (oData == nullptr && inDataSize > 0))
         return AAX_ERROR_NULL_ARGUMENT;
-    const std::string text = StatusText();
+    const std::string text = iDataBlockID == kWrapperStatusBlockID ? StatusText() : ParameterNotesText();
     if (inDataSize < text.size()) {
         *oDataWritten = 0;
         return AAX_ERROR_ARGUMENT_BUFFER_OVERFLOW;

@@ -44,9 +44,15 @@ public:
     AAX_Result GetCustomData(AAX_CTypeID iDataBlockID, uint32_t inDataSize, void* oData,
                              uint32_t* oDataWritten) const override;
     std::string StatusText() const;
+    // kWrapperParameterNotesBlockID: each published parameter's unit and group.
+    std::string ParameterNotesText() const;
 
     // Read by the real-time callback and the view.
     IFakeHost* GetFakeHost() const { return mFakeHost.get(); }
+    // STANDARD: the plug-in bypasses itself, driven by the master bypass;
+    // the callback then hands it bypassed buffers too (set before
+    // processing starts, never changed after).
+    bool BypassesItself() const { return mBypassesItself.load(std::memory_order_relaxed); }
     bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
     // Entered by the real-time callback around Process; a state restore
     // closes it, so that it never runs beside a process call.
@@ -69,6 +75,11 @@ private:
     void LogPluginInfo();
     void LogWherePluginWasFound(const std::string& path) const;
     void PublishPluginParameters();
+    std::vector<int> PublishingOrder(const std::vector<SParameterInfo>& infos) const;
+    void AdoptPluginBypass(int index, const SParameterInfo& info);
+    void ForwardMasterBypass(double value);
+    void ReadPluginBypass();
+    bool IsPluginBypass(uint32_t tag) const;
     // Both give the value the AAX parameter is to hold after the change.
     double ForwardParameterChange(AAX_CParamID iParameterID, double iValue);
     double ForwardChangeOnce(AAX_CParamID iParameterID, double iValue);
@@ -129,6 +140,18 @@ private:
     mutable bool mSnapshotTaken = false;
     // A host change reached the plug-in since the values were last read back.
     std::atomic<bool> mHeldValuesStale{false};
+    // STANDARD: the plug-in's own bypass parameter (index -1: none) and its tag.
+    int mBypassIndex = -1;
+    uint32_t mBypassTag = 0;
+    std::atomic<bool> mBypassesItself{false};
+    // STANDARD: what aaxhost and other test hosts read of each published
+    // parameter beyond what AAX carries.
+    struct SParameterNote {
+        std::string id;
+        std::string units;
+        std::string group;
+    };
+    std::vector<SParameterNote> mNotes;
     std::unique_ptr<CBypassDelay> mBypassDelay;
     std::atomic<bool> mBypassDelayed{false};
     int32_t mReportedLatency = 0;

@@ -7,6 +7,9 @@
 //   error=<reason>      why it is not running (empty when it is)
 //   vendor=<text>       the plug-in's vendor as it reports it (empty when unknown)
 //   version=<text>      the plug-in's version as it reports it (empty when unknown)
+//   bypass=plugin|copy  plugin: the master bypass drives the plug-in's own
+//                       bypass (STANDARD, a VST 3 parameter flagged as one);
+//                       copy: the wrapper plays the input through
 //   tail=<samples>|infinite   how long it sounds on after its input falls
 //                       silent, as it declares it (STANDARD; empty when it
 //                       does not say or the host mode never asks)
@@ -20,6 +23,15 @@
 #include <cstdint>
 
 constexpr uint32_t kWrapperStatusBlockID = 0x4D765753;  // 'MvWS'
+
+// What AAX parameters do not carry, as the custom data block
+// kWrapperParameterNotesBlockID: UTF-8 text, one line per published
+// parameter of the plug-in (STANDARD; empty in CLASSIC), in publishing order:
+//   <parameter ID> TAB <unit> TAB <group> LF
+// unit: what the plug-in's texts are in; group: the plug-in's unit (VST 3)
+// it is filed under, nested ones as "Outer / Inner". Either may be empty;
+// tabs and line breaks in the plug-in's texts are written as spaces.
+constexpr uint32_t kWrapperParameterNotesBlockID = 0x4D765750;  // 'MvWP'
 
 // What a host tells a wrapper instance, as a notification
 // (AAX_IEffectParameters::NotificationReceived) with a 32-bit word:

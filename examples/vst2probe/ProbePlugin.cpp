@@ -95,7 +95,9 @@ CProbe::CProbe(audioMasterCallback host, const char* entryName) : mHost(host)
     mEffect.setParameter = &SetParameterProc;
     mEffect.getParameter = &GetParameterProc;
     mEffect.processReplacing = &ProcessReplacingProc;
-    mEffect.numPrograms = kNumPrograms;
+    // A declared count of its own, for hosts' handling of odd ones; programs
+    // past its two have names that fill their 24 bytes, unterminated.
+    mEffect.numPrograms = static_cast<VstInt32>(EnvInteger("VST2PROBE_PROGRAMS", kNumPrograms));
     // A plug-in with very many parameters, for set-up timing.
     mExtraParams.assign(static_cast<size_t>(std::clamp(EnvInteger("VST2PROBE_EXTRA_PARAMS", 0), 0L, 100000L)), 0.5f);
     mEffect.numParams = kNumParams + static_cast<VstInt32>(mExtraParams.size());
@@ -139,6 +141,10 @@ VstIntPtr CProbe::Dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, voi
     case effGetProgram: return mProgram;
     case effGetProgramName: CopyText(ptr, kVstMaxProgNameLen, kProgramNames[mProgram]); return 0;
     case effGetProgramNameIndexed:
+        if (index >= kNumPrograms && index < mEffect.numPrograms && ptr != nullptr) {
+            std::memset(ptr, 'N', kVstMaxProgNameLen);
+            return 1;
+        }
         if (index < 0 || index >= kNumPrograms)
             return 0;
         CopyText(ptr, kVstMaxProgNameLen, kProgramNames[index]);

@@ -2,7 +2,7 @@
 // unit), are discrete where the plug-in's values are, and are not
 // automatable where the plug-in says read-only; CLASSIC keeps the number.
 // Our probe answers as real VST 2 plug-ins do (a switch, a five-way choice,
-// its own texts); Debian's plug-ins are the real thing, each hosted as it is
+// its own texts, two programs); Debian's plug-ins are the real thing, each hosted as it is
 // installed (a missing package skips its case).
 #include <gtest/gtest.h>
 
@@ -36,9 +36,14 @@ std::map<std::string, nlohmann::json> Params(const std::string& bundle)
 TEST(ParameterTexts, Vst2SwitchesAndChoicesAreDiscreteAndShowThePlugInsWords)
 {
     auto p = Params(Bundle("standard/Probe"));
-    ASSERT_EQ(p.size(), 5u);
+    ASSERT_EQ(p.size(), 6u);
     // A continuous control: the plug-in's display and label.
     EXPECT_EQ(p["0"]["text"], "0.500 u");
+    EXPECT_EQ(p["0"]["units"], "u");
+    // Its two programs: one more parameter, after its own, shown by name.
+    EXPECT_EQ(p["4"]["name"], "Program");
+    EXPECT_TRUE(p["4"]["discrete"]);
+    EXPECT_EQ(p["4"]["choices"], nlohmann::json({"Probe A", "Probe B"}));
     EXPECT_EQ(p["0"]["steps"], 50);
     EXPECT_FALSE(p["0"]["discrete"]);
     // Five integer values; the present one shown by its name, the others by
@@ -81,8 +86,16 @@ TEST(ParameterTexts, DebianPlugInsShowTheirOwnTextsAndUnits)
         auto p = Params(Bundle("standard/amsynth"));
         EXPECT_EQ(p["0"]["name"], "amp_attack");
         EXPECT_EQ(p["0"]["text"], "0.0005 s");
+        // Its presets, named only one at a time (effGetProgramName): one
+        // list, its present program by name; its values stay as they were.
+        EXPECT_EQ(p["41"]["name"], "Program");
+        EXPECT_TRUE(p["41"]["discrete"]);
+        EXPECT_EQ(p["41"]["steps"], 3584);
+        const std::string program = p["41"]["text"];
+        EXPECT_NE(program.find_first_not_of("0123456789"), std::string::npos) << program;
         // CLASSIC (program 0 there): the bare number, no unit.
         auto classic = Params(Bundle("amsynth"));
+        EXPECT_EQ(classic.count("41"), 0u);
         const std::string number = classic["0"]["text"];
         EXPECT_EQ(number.size(), 4u) << number;
         EXPECT_EQ(number.find(' '), std::string::npos) << number;

@@ -10,6 +10,7 @@
 #include <xmmintrin.h>
 #endif
 
+#include "CScopedEnv.h"
 #include "Vst2TestSupport.h"
 
 using namespace Vst2Test;
@@ -180,3 +181,37 @@ TEST_F(StandardProbe, TheCallersFloatingPointModeIsBackAfterProcess)
     }
 }
 #endif
+
+// Programs as one more parameter: an odd count (none, one, absurdly many)
+// gives none, with a line for the absurd one; names that fill their 24
+// bytes unterminated are read to their end, no further.
+TEST(StandardProbePrograms, OddCountsGiveNoProgramAndUnterminatedNamesStopAtTheirRoom)
+{
+    CTestOwner owner;
+    for (const char* count : {"0", "1", "100000"}) {
+        CScopedEnv programs("VST2PROBE_PROGRAMS", count);
+        CLogCapture log;
+        CFakeHostVST2 host(owner, BuiltPlugin("vst2probe.so"), EHostMode::kStandard);
+        ASSERT_TRUE(host.Init());
+        EXPECT_EQ(host.GetParameterCount(), 4) << count;
+        EXPECT_EQ(log.Contains("programs; no program parameter"), std::string(count) == "100000") << count;
+        host.Quit();
+    }
+    CScopedEnv programs("VST2PROBE_PROGRAMS", "3");
+    CFakeHostVST2 host(owner, BuiltPlugin("vst2probe.so"), EHostMode::kStandard);
+    ASSERT_TRUE(host.Init());
+    ASSERT_EQ(host.GetParameterCount(), 5);
+    const SParameterInfo program = host.GetParameterInfo(4);
+    EXPECT_TRUE(program.program);
+    EXPECT_EQ(program.name, "Program");
+    EXPECT_EQ(program.steps, 2);
+    EXPECT_EQ(host.GetParameterText(4, 0.0), std::optional<std::string>("Probe A"));
+    EXPECT_EQ(host.GetParameterText(4, 1.0), std::optional<std::string>(std::string(24, 'N')));
+    // Set by name, it reaches the plug-in as its program.
+    const std::optional<double> second = host.GetParameterValueFromText(4, "Probe B");
+    ASSERT_TRUE(second);
+    EXPECT_DOUBLE_EQ(*second, 0.5);
+    host.AddInputChangeForProcessing(4, *second);
+    EXPECT_EQ(host.GetParameterValue(4), std::optional<double>(0.5));
+    host.Quit();
+}

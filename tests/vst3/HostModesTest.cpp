@@ -92,8 +92,9 @@ TEST(Vst3StandardBundle, ParametersArePublishedByTheirOwnIdsWithoutHiddenOnesAnd
     std::vector<std::string> ids;
     for (const auto& p : list)
         ids.push_back(p["id"]);
-    EXPECT_EQ(ids, (std::vector<std::string>{"MasterBypassID", "7000", "7001", "7002", "7003", "7005"}));
-    EXPECT_NEAR(list[1]["default"].get<double>(), 0.8, 1e-6);
+    // The program first; the plug-in's bypass (7006) is the master bypass.
+    EXPECT_EQ(ids, (std::vector<std::string>{"MasterBypassID", "7003", "7000", "7001", "7002", "7005", "7007"}));
+    EXPECT_NEAR(list[2]["default"].get<double>(), 0.8, 1e-6);
 
     const SRunResult run = RenderStrictSynth(TempDir("set"), 512, {"--set", "7000=0.3"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -107,12 +108,16 @@ TEST(Vst3StandardBundle, ParametersShowTheControllersTextsStepsAndReadOnlyFlag)
     const SRunResult params = RunHost({"params", StandardBundle("MrvStrictSynth"), "--json"});
     ASSERT_EQ(params.exitCode, 0) << params.err;
     const nlohmann::json list = params.Json()["parameters"];
-    ASSERT_EQ(list.size(), 6u);
-    const nlohmann::json& volume = list[1];
+    ASSERT_EQ(list.size(), 7u);
+    const nlohmann::json& volume = list[2];
     EXPECT_EQ(volume["text"], "80.0000 %");
+    EXPECT_EQ(volume["units"], "%");
+    EXPECT_EQ(volume["group"], "Tone");
     EXPECT_FALSE(volume["discrete"]);
-    const nlohmann::json& program = list[4];
+    // The program list's parameter (the plug-in titles it "Patch").
+    const nlohmann::json& program = list[1];
     EXPECT_EQ(program["name"], "Program");
+    EXPECT_EQ(program["group"], "Programs");
     EXPECT_TRUE(program["discrete"]);
     EXPECT_EQ(program["steps"], 8);
     EXPECT_EQ(program["choices"],
@@ -120,7 +125,16 @@ TEST(Vst3StandardBundle, ParametersShowTheControllersTextsStepsAndReadOnlyFlag)
     const nlohmann::json& peak = list[5];
     EXPECT_EQ(peak["name"], "Peak");
     EXPECT_FALSE(peak["automatable"]);
-    EXPECT_TRUE(list[2]["automatable"]);
+    EXPECT_TRUE(list[3]["automatable"]);
+    // A stepped one in a nested unit.
+    const nlohmann::json& octave = list[6];
+    EXPECT_EQ(octave["name"], "Octave");
+    EXPECT_TRUE(octave["discrete"]);
+    EXPECT_EQ(octave["steps"], 3);
+    EXPECT_EQ(octave["units"], "oct");
+    EXPECT_EQ(octave["group"], "Tone / Pitch");
+    EXPECT_EQ(list[4]["group"], "Tone / Pitch");
+    EXPECT_EQ(params.Json()["wrapper"]["bypass"], "plugin");
 
     // A host value between two programs reaches the processor as one of
     // them; the read-only one is never sent.
@@ -128,6 +142,17 @@ TEST(Vst3StandardBundle, ParametersShowTheControllersTextsStepsAndReadOnlyFlag)
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_NE(FindLine(run.trace, "proc.param id=7003 value=0.285714 offset=0"), std::string::npos);
     EXPECT_EQ(FindLine(run.trace, "proc.param id=7005 value=0.500000"), std::string::npos);
+}
+
+// The master bypass reaches the plug-in as its own bypass parameter; the
+// plug-in (an instrument) then plays silence, not the host's input copied.
+TEST(Vst3StandardBundle, MasterBypassDrivesThePlugInsOwnBypass)
+{
+    const SRunResult run = RenderStrictSynth(TempDir("bypass"), 512, {"--bypass"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(FindLine(run.trace, "proc.param id=7006 value=1.000000 offset=0"), std::string::npos);
+    EXPECT_GT(ProcessCalls(run.trace).size(), 90u);
+    EXPECT_EQ(run.Json()["instances"][0]["channels"][0]["peak"].get<double>(), 0.0);
 }
 
 TEST(Vst3StandardBundle, StateRestoredIntoAFreshInstanceRendersTheSameBytes)

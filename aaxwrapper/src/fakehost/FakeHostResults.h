@@ -26,6 +26,16 @@ struct SParameterInfo {
     int32_t steps = 0;
     // The unit the plug-in gives its texts (may be empty).
     std::string units;
+    // STANDARD: the group the plug-in files it under ("Filter / Envelope"
+    // for nested ones); empty at the top level.
+    std::string group;
+    // STANDARD: the plug-in's own bypass switch. The host's master bypass
+    // drives it, so it is not published as a parameter of its own.
+    bool bypass = false;
+    // STANDARD: the plug-in's program choice, named "Program", its texts
+    // the program names. Published first, so that a restore chooses the
+    // program before the values that follow it.
+    bool program = false;
 };
 
 // The plug-in's whole state as the wrapper saves it.

@@ -140,6 +140,18 @@ private:
     std::vector<std::map<float, std::string>> mTextsSeen;
     static constexpr size_t kMaxTextsSeen = 1024;
 
+    // STANDARD, main thread: an effect of two programs or more gets one more
+    // parameter after its own, the program (CFakeHostVST2Programs.cpp).
+    const std::vector<std::string>& ProgramNames();
+    void ReadProgramNamesOneByOne();
+    bool IsProgram(int index) { return IsStandard() && index == effect->numParams && !ProgramNames().empty(); }
+    SParameterInfo ProgramInfo();
+    double ProgramValue();
+    void SetProgram(double value);
+    std::optional<double> ProgramFromText(const std::string& text);
+    std::vector<std::string> mProgramNames;
+    bool mProgramsRead = false;
+
     std::string mLoadError;
     std::string mPath;
     // The host whose effect's entry function is running (main thread only):

@@ -1,4 +1,5 @@
 // The VST 2 effect's parameters: description, present values and host changes.
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -29,7 +30,9 @@ int32_t StepsOf(const VstParameterProperties& p)
 
 int CFakeHostVST2::DoGetParameterCount()
 {
-    return effect != nullptr ? effect->numParams : -1;
+    if (effect == nullptr)
+        return -1;
+    return effect->numParams + (IsStandard() && !ProgramNames().empty() ? 1 : 0);
 }
 
 SParameterInfo CFakeHostVST2::DoGetParameterInfo(int index)
@@ -37,6 +40,8 @@ SParameterInfo CFakeHostVST2::DoGetParameterInfo(int index)
     SParameterInfo info;
     if (effect == nullptr)
         return info;
+    if (IsProgram(index))
+        return ProgramInfo();
     MV_COND_ASSERT("fakehost", 0 <= index && index < effect->numParams, "0<=inID && inID<GetParameterCount()",
                    "Bad access to parameters info", " inID = ", index, " GetParameterCount() = ", effect->numParams);
     char name[kTextBufferSize + 1] = {};
@@ -62,6 +67,8 @@ SParameterInfo CFakeHostVST2::DoGetParameterInfo(int index)
 
 std::optional<double> CFakeHostVST2::DoGetParameterValue(int index)
 {
+    if (effect != nullptr && IsProgram(index))
+        return ProgramValue();
     if (effect == nullptr || effect->getParameter == nullptr || index < 0 || index >= effect->numParams)
         return std::nullopt;
     return static_cast<double>(effect->getParameter(effect, index));
@@ -70,6 +77,10 @@ std::optional<double> CFakeHostVST2::DoGetParameterValue(int index)
 void CFakeHostVST2::DoAddInputChangeForProcessing(int index, double value)
 {
     MV_LOG("process", kLogDebug, "VST2> AddInputChangeForProcessing... ", index, " ", value);
+    if (effect != nullptr && IsProgram(index)) {
+        SetProgram(value);
+        return;
+    }
     if (effect == nullptr || effect->setParameter == nullptr)
         return;
     effect->setParameter(effect, index, static_cast<float>(value));
@@ -104,6 +115,9 @@ std::string CFakeHostVST2::CurrentText(int index, float& value)
 
 std::optional<std::string> CFakeHostVST2::DoGetParameterText(int index, double value)
 {
+    if (effect != nullptr && IsProgram(index) && std::isfinite(value))
+        return mProgramNames[static_cast<size_t>(
+            std::lround(std::clamp(value, 0.0, 1.0) * static_cast<double>(mProgramNames.size() - 1)))];
     if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
         index >= effect->numParams)
         return std::nullopt;
@@ -128,6 +142,8 @@ std::optional<std::string> CFakeHostVST2::DoGetParameterText(int index, double v
 // without its label.
 std::optional<double> CFakeHostVST2::DoGetParameterValueFromText(int index, const std::string& text)
 {
+    if (effect != nullptr && IsProgram(index))
+        return ProgramFromText(text);
     if (!IsStandard() || effect == nullptr || effect->getParameter == nullptr || index < 0 ||
         index >= effect->numParams)
         return std::nullopt;

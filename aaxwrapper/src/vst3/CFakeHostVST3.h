@@ -57,6 +57,10 @@ private:
     void DoAddInputChangeForProcessing(int index, double value) override;
     void DoAddInputChangeForGUI(int index, double value) override;
     void ReadParameterIds();
+    // Units and program lists (CFakeHostVST3Units.cpp), read with the IDs.
+    void ReadGroups();
+    void ReadProgramList();
+    bool IsProgram(int index) const { return IsStandard() && index >= 0 && index == mProgramIndex; }
     Steinberg::Vst::ParamID ParamIdOf(int index) const;
     // State (CFakeHostVST3State.cpp).
     SPluginState DoGetState() override;
@@ -107,6 +111,15 @@ private:
     std::vector<bool> mParamHidden;
     // The unit each parameter's texts are in (UTF-8, may be empty).
     std::vector<std::string> mParamUnits;
+    // By index: the ParameterInfo flags and unit, and the group the unit
+    // names (STANDARD; empty at the top level).
+    std::vector<Steinberg::int32> mParamFlags;
+    std::vector<Steinberg::Vst::UnitID> mParamUnitIds;
+    std::vector<std::string> mParamGroups;
+    // STANDARD: the program-change parameter that has a program list, by
+    // index (-1: none), and the list's program names.
+    int mProgramIndex = -1;
+    std::vector<std::string> mProgramNames;
     // STANDARD: a rate processing saw that the processor is not set up for.
     std::atomic<double> mPendingRate{0.0};
 };

@@ -16,13 +16,14 @@ using namespace Steinberg;
 using namespace Steinberg::Vst;
 
 namespace {
-
 bool EndsWith(const std::string& text, const std::string& tail)
 {
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
 using Morvane::stlutils::trim;
+using Morvane::vst3::utf16ToUtf8;
+using Morvane::vst3::utf8ToUtf16;
 
 }  // namespace
 
@@ -31,6 +32,8 @@ void CFakeHostVST3::ReadParameterIds()
     mParamIds.clear();
     mParamHidden.clear();
     mParamUnits.clear();
+    mParamFlags.clear();
+    mParamUnitIds.clear();
     IEditController* controller = mVst3Loader->getController();
     if (!controller)
         return;
@@ -45,6 +48,12 @@ void CFakeHostVST3::ReadParameterIds()
         if (!known || !utf16ToUtf8(info.units, sizeof(info.units) / sizeof(info.units[0]), units))
             units.clear();
         mParamUnits.push_back(trim(units));
+        mParamFlags.push_back(known ? info.flags : 0);
+        mParamUnitIds.push_back(known ? info.unitId : kRootUnitId);
+    }
+    if (IsStandard()) {
+        ReadGroups();
+        ReadProgramList();
     }
 }
 
@@ -90,6 +99,16 @@ SParameterInfo CFakeHostVST3::DoGetParameterInfo(int index)
     out.steps = info.stepCount > 0 ? info.stepCount : 0;
     if (static_cast<size_t>(index) < mParamUnits.size())
         out.units = mParamUnits[static_cast<size_t>(index)];
+    if (IsStandard()) {
+        out.bypass = (info.flags & ParameterInfo::kIsBypass) != 0;
+        if (static_cast<size_t>(index) < mParamGroups.size())
+            out.group = mParamGroups[static_cast<size_t>(index)];
+        if (IsProgram(index)) {
+            out.program = true;
+            out.name = "Program";
+            out.steps = static_cast<int32_t>(mProgramNames.size()) - 1;
+        }
+    }
     // Only CLASSIC requires identifiers to equal indices; STANDARD maps them.
     if (!IsStandard()) {
         MV_COND_ASSERT("fakehost", index == static_cast<int>(info.id), "inParamIndex == info.id",
@@ -128,6 +147,10 @@ std::optional<std::string> CFakeHostVST3::DoGetParameterText(int index, double v
     if (!IsStandard() || !mVst3Loader || !mVst3Loader->getController() || index < 0 ||
         static_cast<size_t>(index) >= mParamIds.size() || !std::isfinite(value))
         return std::nullopt;
+    if (IsProgram(index)) {
+        const auto last = static_cast<double>(mProgramNames.size() - 1);
+        return mProgramNames[static_cast<size_t>(std::lround(std::clamp(value, 0.0, 1.0) * last))];
+    }
     String128 text{};
     {
         auto lock = mVst3Loader->lockControllerAccess();
@@ -157,6 +180,11 @@ std::optional<double> CFakeHostVST3::DoGetParameterValueFromText(int index, cons
     const std::string wanted = trim(text);
     if (wanted.empty())
         return std::nullopt;
+    if (IsProgram(index)) {
+        const auto found = std::find(mProgramNames.begin(), mProgramNames.end(), wanted);
+        if (found != mProgramNames.end())
+            return static_cast<double>(found - mProgramNames.begin()) / static_cast<double>(mProgramNames.size() - 1);
+    }
     const std::string& units = mParamUnits[static_cast<size_t>(index)];
     std::vector<std::string> tries{wanted};
     if (!units.empty() && EndsWith(wanted, units) && wanted.size() > units.size())

@@ -130,6 +130,8 @@ public:
     Steinberg::Vst::IAudioProcessor* getProcessor() const { return mProcessor; }
     Steinberg::Vst::IComponent* getComponent() const { return mComponent; }
     Steinberg::Vst::IEditController* getController() const { return mController; }
+    // The controller's units and program lists; null when it has none.
+    Steinberg::Vst::IUnitInfo* getUnitInfo() const { return mUnitInfo; }
     Steinberg::Vst::ProcessContext& getProcessContext() { return mProcessContext; }
     Morvane::vst3::HostProcessData& getProcessData() { return mProcessData; }
     Morvane::vst3::EventList* getInputEvents() const { return mInputEvents.get(); }

@@ -118,7 +118,7 @@ void CVST3Loader::noteOutputRoute(int32 bus, const BusInfo& info, int32 firstCha
     SOutputRoute route;
     route.bus = bus;
     route.channels = info.channelCount;
-    if (!utf16ToUtf8(info.name, sizeof(info.name) / sizeof(info.name[0]), route.name))
+    if (!Morvane::vst3::utf16ToUtf8(info.name, sizeof(info.name) / sizeof(info.name[0]), route.name))
         route.name.clear();
     if (firstChannel < kFirstStemChannel)
         route.stem = SOutputRoute::kMainOutput;

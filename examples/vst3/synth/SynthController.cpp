@@ -36,10 +36,25 @@ tresult PLUGIN_API SynthController::initialize(FUnknown* context)
 
     // Shown as a host shows real plug-ins' controls: in a unit, and the
     // program as a list of its names.
-    parameters.addParameter(new RangeParameter(STR16("Volume"), SynthTag(kSynthVolume), STR16("%"), 0.0, 100.0, 80.0));
+#ifdef MRV_STRICT
+    // Nested groups, and the program list's parameter titled as the plug-in
+    // calls it (hosts name it after the list).
+    addUnit(new Unit(STR16("Tone"), kSynthToneUnit, kRootUnitId, kNoProgramListId));
+    addUnit(new Unit(STR16("Pitch"), kSynthPitchUnit, kSynthToneUnit, kNoProgramListId));
+    const UnitID toneUnit = kSynthToneUnit;
+    const UnitID pitchUnit = kSynthPitchUnit;
+    const TChar* programTitle = STR16("Patch");
+#else
+    const UnitID toneUnit = kRootUnitId;
+    const UnitID pitchUnit = kRootUnitId;
+    const TChar* programTitle = STR16("Program");
+#endif
+    parameters.addParameter(new RangeParameter(STR16("Volume"), SynthTag(kSynthVolume), STR16("%"), 0.0, 100.0, 80.0,
+                                               0, ParameterInfo::kCanAutomate, toneUnit));
     parameters.addParameter(STR16("Pressure"), nullptr, 0, 0.0, ParameterInfo::kCanAutomate, SynthTag(kSynthPressure));
-    parameters.addParameter(STR16("Bend"), nullptr, 0, 0.5, ParameterInfo::kCanAutomate, SynthTag(kSynthBend));
-    auto* program = new StringListParameter(STR16("Program"), SynthTag(kSynthProgram), nullptr,
+    parameters.addParameter(STR16("Bend"), nullptr, 0, 0.5, ParameterInfo::kCanAutomate, SynthTag(kSynthBend),
+                            pitchUnit);
+    auto* program = new StringListParameter(programTitle, SynthTag(kSynthProgram), nullptr,
                                             ParameterInfo::kCanAutomate | ParameterInfo::kIsProgramChange |
                                                 ParameterInfo::kIsList,
                                             kSynthUnit);
@@ -50,6 +65,12 @@ tresult PLUGIN_API SynthController::initialize(FUnknown* context)
     parameters.addParameter(program);
     parameters.addParameter(STR16("Hidden"), nullptr, 0, 0.25, ParameterInfo::kIsHidden, SynthTag(kSynthHidden));
     parameters.addParameter(STR16("Peak"), nullptr, 0, 0.0, ParameterInfo::kIsReadOnly, SynthTag(kSynthPeak));
+#ifdef MRV_STRICT
+    parameters.addParameter(STR16("Bypass"), nullptr, 1, 0.0, ParameterInfo::kCanAutomate | ParameterInfo::kIsBypass,
+                            SynthTag(kSynthBypass));
+    parameters.addParameter(STR16("Octave"), STR16("oct"), 2, 0.5, ParameterInfo::kCanAutomate, SynthTag(kSynthOctave),
+                            kSynthPitchUnit);
+#endif
     return kResultOk;
 }
 

@@ -13,7 +13,15 @@ enum SynthParam : Steinberg::Vst::ParamID {
     kSynthProgram = 3,   // program change, 8 programs, in unit 1
     kSynthHidden = 4,
     kSynthPeak = 5,      // read-only, sent back by the processor
+    // The strict build only, so that the plain build's state stays as it was:
+    kSynthBypass = 6,    // the plug-in's own bypass: silence, notes kept
+    kSynthOctave = 7,    // three values (-1, 0, +1 octave), in unit 3
+    kSynthAllParams = 8,
+#ifdef MRV_STRICT
+    kSynthParamCount = kSynthAllParams
+#else
     kSynthParamCount = 6
+#endif
 };
 
 // The strict build's parameter IDs are not their indices, as in most
@@ -26,6 +34,9 @@ constexpr Steinberg::Vst::ParamID kSynthIdBase = 0;
 constexpr Steinberg::Vst::ParamID SynthTag(Steinberg::Vst::ParamID param) { return kSynthIdBase + param; }
 
 constexpr Steinberg::Vst::UnitID kSynthUnit = 1;
+// "Tone", and "Pitch" inside it: a host shows them as nested groups.
+constexpr Steinberg::Vst::UnitID kSynthToneUnit = 2;
+constexpr Steinberg::Vst::UnitID kSynthPitchUnit = 3;
 constexpr Steinberg::Vst::ProgramListID kSynthProgramList = 100;
 constexpr Steinberg::int32 kSynthProgramCount = 8;
 constexpr Steinberg::int32 kSynthStateVersion = 1;

@@ -24,6 +24,7 @@ SynthProcessor::SynthProcessor()
     setControllerClass(kSynthControllerUID);
     mParams[kSynthVolume] = 0.8;
     mParams[kSynthBend] = 0.5;
+    mParams[kSynthOctave] = 0.5;
 }
 
 FUnknown* SynthProcessor::create() { return static_cast<IAudioProcessor*>(new SynthProcessor); }
@@ -207,7 +208,7 @@ void SynthProcessor::echoEvent(const Event& event, IEventList* out)
 
 float SynthProcessor::renderSample()
 {
-    const double bendSemitones = (mParams[kSynthBend] - 0.5) * 4.0;
+    const double bendSemitones = (mParams[kSynthBend] - 0.5) * 4.0 + 12.0 * (std::round(mParams[kSynthOctave] * 2.0) - 1.0);
     const double harmonic = mParams[kSynthProgram] * 0.5;
     double sum = 0.0;
     for (Voice& voice : mVoices) {
@@ -251,7 +252,9 @@ tresult PLUGIN_API SynthProcessor::process(ProcessData& data)
             echoEvent(event, data.outputEvents);
             ++nextEvent;
         }
-        const float sample = renderSample();
+        // Bypassed, an instrument is silent; its voices play on unheard.
+        const float rendered = renderSample();
+        const float sample = mParams[kSynthBypass] >= 0.5 ? 0.0f : rendered;
         peak = std::max(peak, std::fabs(sample));
         if (left && right) {
             left[s] = sample;

@@ -61,7 +61,7 @@ private:
     std::array<Voice, 8> mVoices;
     // Written by the audio thread (parameter changes), read by getState on
     // the host's main thread.
-    std::array<std::atomic<double>, kSynthParamCount> mParams{};
+    std::array<std::atomic<double>, kSynthAllParams> mParams{};
     double mSampleRate = 44100.0;
     CStrictHostCheck mHostCheck;
 };

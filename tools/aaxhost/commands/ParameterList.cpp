@@ -1,6 +1,11 @@
 #include "ParameterList.h"
 
 #include <cstdio>
+#include <map>
+#include <sstream>
+#include <utility>
+
+#include "AAXWrapper_Status.h"
 
 #include "CrashReport.h"
 #include "HostInstance.h"
@@ -9,6 +14,31 @@
 #include "ResultText.h"
 
 namespace AAXHost {
+
+namespace {
+// A wrapper's unit and group of each parameter, by ID; empty for other bundles.
+std::map<std::string, std::pair<std::string, std::string>> ReadParameterNotes(AAX_IACFEffectParameters& params)
+{
+    std::map<std::string, std::pair<std::string, std::string>> notes;
+    // Room for a line of every parameter of the largest plug-ins.
+    std::vector<char> text(1u << 20);
+    uint32_t written = 0;
+    if (params.GetCustomData(kWrapperParameterNotesBlockID, static_cast<uint32_t>(text.size()), text.data(),
+                             &written) != AAX_SUCCESS ||
+        written > text.size())
+        return notes;
+    std::istringstream lines(std::string(text.data(), written));
+    std::string line;
+    while (std::getline(lines, line)) {
+        const size_t first = line.find('\t');
+        const size_t second = first == std::string::npos ? first : line.find('\t', first + 1);
+        if (second == std::string::npos)
+            continue;
+        notes[line.substr(0, first)] = {line.substr(first + 1, second - first - 1), line.substr(second + 1)};
+    }
+    return notes;
+}
+}  // namespace
 
 bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo>& out, std::string& error)
 {
@@ -21,6 +51,7 @@ bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo
     }
     CHostString bypass;
     params.GetMasterBypassParameter(&bypass);
+    const auto notes = ReadParameterNotes(params);
     for (int32_t i = 0; i < count; ++i) {
         CHostString id;
         r = params.GetParameterIDFromIndex(i, &id);
@@ -56,6 +87,9 @@ bool ReadParameters(AAX_IACFEffectParameters& params, std::vector<SParameterInfo
                 p.choices.push_back(choice.Text());
             }
         }
+        const auto note = notes.find(p.id);
+        if (note != notes.end())
+            std::tie(p.units, p.group) = note->second;
         out.push_back(std::move(p));
     }
     return true;
@@ -99,6 +133,8 @@ nlohmann::json ParametersToJson(const std::vector<SParameterInfo>& params, const
                        {"discrete", p.discrete},
                        {"choices", p.choices},
                        {"automatable", p.automatable},
+                       {"units", p.units},
+                       {"group", p.group},
                        {"master_bypass", p.isMasterBypass}});
     return {{"format", "aaxhost-params-1"}, {"wrapper", WrapperStatusToJson(wrapper)}, {"parameters", arr}};
 }
@@ -110,10 +146,15 @@ void PrintParameters(std::ostream& out, const std::vector<SParameterInfo>& param
             << " samples\n";
     char line[256];
     for (const auto& p : params) {
-        std::snprintf(line, sizeof line, "%-16s %-24s value %.4f (default %.4f) \"%s\" steps %d%s%s\n", p.id.c_str(),
+        std::snprintf(line, sizeof line, "%-16s %-24s value %.4f (default %.4f) \"%s\" steps %d%s%s", p.id.c_str(),
                       p.name.c_str(), p.value, p.defaultValue, p.valueText.c_str(), p.steps,
                       p.automatable ? "" : ", not automatable", p.isMasterBypass ? ", master bypass" : "");
         out << line;
+        if (!p.units.empty())
+            out << ", unit \"" << p.units << "\"";
+        if (!p.group.empty())
+            out << ", group \"" << p.group << "\"";
+        out << "\n";
         if (!p.choices.empty()) {
             out << "  " << std::string(16, ' ') << "choices:";
             for (const std::string& choice : p.choices)

@@ -25,6 +25,10 @@ struct SParameterInfo {
     bool automatable = false;
     bool isMasterBypass = false;
     std::string defaultText;
+    // What a wrapper says beyond AAX (kWrapperParameterNotesBlockID): the
+    // plug-in's unit and group; empty elsewhere.
+    std::string units;
+    std::string group;
     // The text of each value of a discrete parameter of at most
     // kMostChoicesListed values, in order; empty otherwise.
     std::vector<std::string> choices;

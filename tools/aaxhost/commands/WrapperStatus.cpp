@@ -64,6 +64,8 @@ SWrapperStatus ReadWrapperStatus(const AAX_IACFEffectParameters& effect)
             status.vendor = value;
         else if (key == "version")
             status.version = value;
+        else if (key == "bypass")
+            status.pluginBypasses = value == "plugin";
         else if (key == "tail")
             status.tail = value;
         else if (key == "output") {
@@ -99,9 +101,16 @@ nlohmann::json WrapperStatusToJson(const SWrapperStatus& wrapper)
     nlohmann::json outputs = nlohmann::json::array();
     for (const SWrappedOutput& o : wrapper.outputs)
         outputs.push_back({{"bus", o.bus}, {"channels", o.channels}, {"plays", o.plays}, {"name", o.name}});
-    return {{"host_mode", wrapper.mode}, {"loaded", wrapper.loaded}, {"plugin", wrapper.plugin},
-            {"error", wrapper.error},    {"vendor", wrapper.vendor}, {"version", wrapper.version},
-            {"latency", wrapper.latency}, {"tail", TailToJson(wrapper.tail)}, {"outputs", outputs}};
+    return {{"host_mode", wrapper.mode},
+            {"loaded", wrapper.loaded},
+            {"plugin", wrapper.plugin},
+            {"error", wrapper.error},
+            {"vendor", wrapper.vendor},
+            {"version", wrapper.version},
+            {"latency", wrapper.latency},
+            {"bypass", wrapper.pluginBypasses ? "plugin" : "copy"},
+            {"tail", TailToJson(wrapper.tail)},
+            {"outputs", outputs}};
 }
 
 nlohmann::json TailToJson(const std::string& tail)

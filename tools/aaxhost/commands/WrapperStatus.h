@@ -27,6 +27,9 @@ struct SWrapperStatus {
     std::string error;
     std::string vendor;   // as the wrapped plug-in reports them
     std::string version;
+    // The master bypass drives the plug-in's own bypass ("bypass=plugin"):
+    // a bypassed buffer is what the plug-in makes of it, not the input.
+    bool pluginBypasses = false;
     int32_t latency = 0;  // samples, as the effect reported it once initialised (SetSignalLatency)
     // The plug-in's tail: "<samples>", "infinite", or empty when it does not say.
     std::string tail;

@@ -54,6 +54,9 @@ public:
     virtual double GetParameter(int index) = 0;
     // Safe while another thread processes, as in a host.
     virtual void SetParameter(int index, double value) = 0;
+    // The plug-in's own bypass switch among those parameters (VST 3
+    // kIsBypass), or -1.
+    virtual int BypassParameter() const { return -1; }
 
     // VST 2: the bank chunk when the plug-in keeps its state in chunks, else
     // every parameter's value. VST 3: the component's and the controller's

@@ -170,6 +170,7 @@ public:
     {
         return mController != nullptr ? mController->getParamNormalized(mParameters[static_cast<size_t>(index)]) : 0.0;
     }
+    int BypassParameter() const override { return mBypassParameter; }
     void SetParameter(int index, double value) override
     {
         const ParamID id = mParameters[static_cast<size_t>(index)];
@@ -328,6 +329,8 @@ private:
             ParameterInfo info{};
             if (mController->getParameterInfo(i, info) != kResultOk || (info.flags & ParameterInfo::kIsReadOnly))
                 continue;
+            if ((info.flags & ParameterInfo::kIsBypass) != 0 && mBypassParameter < 0)
+                mBypassParameter = static_cast<int>(mParameters.size());
             mParameters.push_back(info.id);
             mParameterNames.push_back(Narrow(info.title));
         }
@@ -399,6 +402,7 @@ private:
     std::unique_ptr<Morvane::vst3::HostProcessData> mData;
     std::vector<ParamID> mParameters;
     std::vector<std::string> mParameterNames;
+    int mBypassParameter = -1;
     ProcessContext mContext{};
     Morvane::vst3::EventList mEvents{kEventListSize};
     Morvane::vst3::ParameterChanges mInputChanges, mOutputChanges;

@@ -10,6 +10,7 @@
 #include "ParameterList.h"
 #include "PluginSession.h"
 #include "ProcessingRig.h"
+#include "SelfBypass.h"
 #include "ValidationContext.h"
 
 namespace AAXHost {
@@ -90,7 +91,8 @@ void CheckStemsAndMidi(const SComponentInfo& component, const SEffectInfo& effec
     result.details["midi_nodes"] = component.midiNodes.size();
 }
 
-// The main pair carries the input through once the bypass is on.
+// The main pair carries the input through once the bypass is on; where
+// the plug-in bypasses itself, it plays what the plug-in plays bypassed.
 void CheckBypass(CValidationContext& context, const std::string& bypassID, SCheckResult& result)
 {
     SetCheckPhase("bypass: instance creation");
@@ -108,6 +110,11 @@ void CheckBypass(CValidationContext& context, const std::string& bypassID, SChec
     }
     SetCheckPhase("bypass: processing");
     float worst = 0.0f;
+    if (rig.Instance().WrapperStatus().pluginBypasses) {
+        JudgeOwnBypass(rig, std::vector<int32_t>(8, 512), result);
+        rig.Instance().Destroy();
+        return;
+    }
     for (int i = 0; i < 8; ++i) {
         rig.Process(512);
         if (i >= 2)  // hosts allow a short cross-fade into bypass
