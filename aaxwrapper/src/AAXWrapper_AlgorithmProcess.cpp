@@ -95,13 +95,15 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
             AAXWrapper_Parameters* wrapper = nullptr;
             if (context->mPrivateData != nullptr)
                 std::memcpy(&wrapper, context->mPrivateData, sizeof(wrapper));
+            using EBypassWay = AAXWrapper_Parameters::EBypassWay;
+            const EBypassWay way = wrapper != nullptr ? wrapper->BypassWay() : EBypassWay::kCopy;
             // A plug-in that bypasses itself (the master bypass reached it as
             // its own parameter) plays every buffer, keeping latency and tails.
-            const bool selfBypass = wrapper != nullptr && wrapper->BypassesItself();
-            const bool bypassed = !selfBypass && context->mBypass != nullptr && *context->mBypass != 0;
+            const bool bypassed =
+                way != EBypassWay::kPluginBypasses && context->mBypass != nullptr && *context->mBypass != 0;
             // A plug-in with latency: the bypass plays the input as late as
             // the plug-in would, and so hears every buffer.
-            if (!selfBypass && wrapper != nullptr && wrapper->DelaysBypass()) {
+            if (way == EBypassWay::kDelayedCopy) {
                 if (DelayedBypass(*wrapper, *context, bypassed))
                     continue;
             } else if (bypassed) {

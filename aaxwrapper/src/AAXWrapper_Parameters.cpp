@@ -257,7 +257,7 @@ void AAXWrapper_Parameters::AdoptPluginBypass(int index, const SParameterInfo& i
     mBypassTag = info.tag;
     const std::optional<double> current = mFakeHost->GetParameterValue(index);
     mLastValues[static_cast<size_t>(index)].store(current ? *current : 0.0, std::memory_order_relaxed);
-    mBypassesItself.store(true, std::memory_order_relaxed);
+    mBypassWay.store(EBypassWay::kPluginBypasses, std::memory_order_relaxed);
     MV_LOG("parameters", kLogInfo, "The master bypass drives the plug-in's own bypass \"", info.name, "\" (",
            info.tag, ")");
 }
@@ -622,14 +622,15 @@ void AAXWrapper_Parameters::ReportLatency()
     // Made here, off the audio thread; swapped with the gate closed, so no
     // bypassed buffer is inside the old line when it goes.
     std::unique_ptr<CBypassDelay> line = latency > 0 ? std::make_unique<CBypassDelay>(latency) : nullptr;
-    if (line != nullptr)
-        mBypassDelayed.store(true, std::memory_order_relaxed);
+    const bool copies = !BypassesItself();
+    if (line != nullptr && copies)
+        mBypassWay.store(EBypassWay::kDelayedCopy, std::memory_order_relaxed);
     {
         Morvane::CProcessGateClosed closed(mProcessGate);
         mBypassDelay.swap(line);
     }
-    if (mBypassDelay == nullptr)
-        mBypassDelayed.store(false, std::memory_order_relaxed);
+    if (mBypassDelay == nullptr && copies)
+        mBypassWay.store(EBypassWay::kCopy, std::memory_order_relaxed);
     mReportedLatency = latency;
     MV_LOG("fakehost", kLogInfo, "Latency ", latency, " samples");
     if (AAX_IController* controller = Controller())
@@ -698,7 +699,7 @@ std::string AAXWrapper_Parameters::StatusText() const
     std::string text = "mode=" + HOST_MODE + "\nloaded=" + (mLoadError.empty() ? "1" : "0") + "\nplugin=" +
                        mPluginPath + "\nerror=" + mLoadError + "\nvendor=" + OneLine(mPluginVendor) +
                        "\nversion=" + OneLine(mPluginVersion) + "\nbypass=" +
-                       (mBypassesItself.load(std::memory_order_relaxed) ? "plugin" : "copy") + "\n";
+                       (BypassesItself() ? "plugin" : "copy") + "\n";
     if (mFakeHost == nullptr)
         return text + "tail=\n";
     text += "tail=" + TailText(mFakeHost->GetTail()) + "\n";

@@ -49,17 +49,19 @@ public:
 
     // Read by the real-time callback and the view.
     IFakeHost* GetFakeHost() const { return mFakeHost.get(); }
-    // STANDARD: the plug-in bypasses itself, driven by the master bypass;
-    // the callback then hands it bypassed buffers too (set before
-    // processing starts, never changed after).
-    bool BypassesItself() const { return mBypassesItself.load(std::memory_order_relaxed); }
+    // How the master bypass is played, read once per buffer by the callback:
+    // a copy of the input; (STANDARD, with latency) a delay line, used inside
+    // the gate only and replaced with it closed; or the plug-in's own bypass
+    // parameter, driven by the master bypass, in which case the callback
+    // hands it bypassed buffers too (set before processing starts, never
+    // changed after).
+    enum class EBypassWay : uint8_t { kCopy, kDelayedCopy, kPluginBypasses };
+    EBypassWay BypassWay() const { return mBypassWay.load(std::memory_order_relaxed); }
+    bool BypassesItself() const { return BypassWay() == EBypassWay::kPluginBypasses; }
     bool IsLoadingState() const { return mIsLoadingState.load(std::memory_order_relaxed); }
     // Entered by the real-time callback around Process; a state restore
     // closes it, so that it never runs beside a process call.
     Morvane::CProcessGate& ProcessGate() const { return mProcessGate; }
-    // STANDARD with latency: the bypass plays a delay line (used inside the
-    // gate only; replaced with the gate closed).
-    bool DelaysBypass() const { return mBypassDelayed.load(std::memory_order_relaxed); }
     CBypassDelay* BypassDelay() const { return mBypassDelay.get(); }
 
     // Test seam: when set, the constructor asks this function for the fake
@@ -143,7 +145,7 @@ private:
     // STANDARD: the plug-in's own bypass parameter (index -1: none) and its tag.
     int mBypassIndex = -1;
     uint32_t mBypassTag = 0;
-    std::atomic<bool> mBypassesItself{false};
+    std::atomic<EBypassWay> mBypassWay{EBypassWay::kCopy};
     // STANDARD: what aaxhost and other test hosts read of each published
     // parameter beyond what AAX carries.
     struct SParameterNote {
@@ -153,7 +155,6 @@ private:
     };
     std::vector<SParameterNote> mNotes;
     std::unique_ptr<CBypassDelay> mBypassDelay;
-    std::atomic<bool> mBypassDelayed{false};
     int32_t mReportedLatency = 0;
     std::string mReportedTail;
 };
