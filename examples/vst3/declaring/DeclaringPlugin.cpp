@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "../common/CTrace.h"
+#include "../common/LastParameterValue.h"
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/base/ustring.h"
 #include "pluginterfaces/vst/ivstparameterchanges.h"
@@ -126,16 +127,9 @@ tresult PLUGIN_API DeclaringPlugin::setupProcessing(ProcessSetup& setup)
 tresult PLUGIN_API DeclaringPlugin::process(ProcessData& data)
 {
     mHostCheck.BeforeProcess(data);
-    if (IParameterChanges* changes = data.inputParameterChanges) {
-        for (int32 i = 0; i < changes->getParameterCount(); ++i) {
-            IParamValueQueue* queue = changes->getParameterData(i);
-            int32 offset = 0;
-            ParamValue value = 0;
-            if (queue && queue->getParameterId() == kLatencyParam && queue->getPointCount() > 0 &&
-                queue->getPoint(queue->getPointCount() - 1, offset, value) == kResultOk)
-                mLatencyValue = value;
-        }
-    }
+    ParamValue value = 0;
+    if (LastParameterValue(data.inputParameterChanges, kLatencyParam, value))
+        mLatencyValue = value;
     if (kInstrumentShape)
         WriteLevels(data);
     else

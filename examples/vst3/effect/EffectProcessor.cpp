@@ -1,6 +1,7 @@
 #include "EffectProcessor.h"
 
 #include "../common/CTrace.h"
+#include "../common/LastParameterValue.h"
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/vst/ivstparameterchanges.h"
 #include "public.sdk/source/vst/vstbus.h"
@@ -97,16 +98,9 @@ tresult PLUGIN_API EffectProcessor::setProcessing(TBool state)
 tresult PLUGIN_API EffectProcessor::process(ProcessData& data)
 {
     mHostCheck.BeforeProcess(data);
-    if (IParameterChanges* changes = data.inputParameterChanges) {
-        for (int32 i = 0; i < changes->getParameterCount(); ++i) {
-            IParamValueQueue* queue = changes->getParameterData(i);
-            int32 offset = 0;
-            ParamValue value = 0;
-            if (queue && queue->getParameterId() == kEffectGain && queue->getPointCount() > 0 &&
-                queue->getPoint(queue->getPointCount() - 1, offset, value) == kResultOk)
-                mGain = value;
-        }
-    }
+    ParamValue value = 0;
+    if (LastParameterValue(data.inputParameterChanges, kEffectGain, value))
+        mGain = value;
     Trace("effect.process samples=%d events=%s", data.numSamples, data.inputEvents ? "list" : "none");
     if (data.numInputs < 1 || data.numOutputs < 1)
         return kResultOk;
