@@ -51,12 +51,17 @@ void CFakeHostVST2::ReadProgramNamesOneByOne()
            " names one by one");
     const bool chunks = (effect->flags & effFlagsProgramChunks) != 0;
     std::vector<char> chunk;
+    VstIntPtr chunkSize = 0;
     std::vector<float> values;
     if (chunks) {
         void* data = nullptr;
-        const VstIntPtr size = Dispatch(effGetChunk, 0, 0, &data);
-        if (data != nullptr && size > 0)
-            chunk.assign(static_cast<const char*>(data), static_cast<const char*>(data) + size);
+        chunkSize = Dispatch(effGetChunk, 0, 0, &data);
+        // Zeros past the end, as a saved state has: effects that keep text
+        // (amsynth) read their chunk up to a terminator they never counted.
+        if (data != nullptr && chunkSize > 0) {
+            chunk.assign(static_cast<const char*>(data), static_cast<const char*>(data) + chunkSize);
+            chunk.resize(chunk.size() + kStateMargin, '\0');
+        }
     }
     // Values too: a bank chunk need not hold the effect's present values
     // (amsynth starts from values no program has).
@@ -75,7 +80,7 @@ void CFakeHostVST2::ReadProgramNamesOneByOne()
     }
     Dispatch(effSetProgram, 0, current);
     if (!chunk.empty())
-        Dispatch(effSetChunk, 0, static_cast<VstIntPtr>(chunk.size()), chunk.data());
+        Dispatch(effSetChunk, 0, chunkSize, chunk.data());
     if (effect->setParameter != nullptr)
         for (size_t i = 0; i < values.size(); ++i)
             effect->setParameter(effect, static_cast<VstInt32>(i), values[i]);
