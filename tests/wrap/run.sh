@@ -7,12 +7,14 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
 BUILD="${1:-$ROOT/build}"
 out="$(mktemp -d)"
 trap 'rm -rf "$out"' EXIT
-export AAXW_NO_SETUP=1   # scripts/test has just run it
-aaxhost="$ROOT/build-wrap/prefix/bin/aaxhost"
+# The package this build installs, so that no second build of the wrapper is
+# made (a plug-in maker's first run builds one in build-wrap/).
+cmake --install "$BUILD" --prefix "$out/prefix" > "$out/install.log"
+aaxhost="$out/prefix/bin/aaxhost"
 
 wrap() {  # wrap PLUGIN EXPECTED-BUNDLE MANUFACTURER VERSION
   local log="$out/wrap.log"
-  "$ROOT/scripts/wrap" "$1" --out "$out" > "$log" 2>&1 || { cat "$log"; echo "wrap: $1 failed"; exit 1; }
+  "$ROOT/scripts/wrap" "$1" --package "$out/prefix" --out "$out" > "$log" 2>&1 || { cat "$log"; echo "wrap: $1 failed"; exit 1; }
   local bundle; bundle="$(tail -n 1 "$log")"
   [ "$bundle" = "$out/$2" ] || { cat "$log"; echo "wrap: last line is '$bundle', not $out/$2"; exit 1; }
   [ -f "$bundle/Contents/x86_64-linux/${2%.aaxplugin}.so" ] || { echo "wrap: no library in $bundle"; exit 1; }
