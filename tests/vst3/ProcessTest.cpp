@@ -2,6 +2,7 @@
 // the MIDI corner cases, host changes and restarts a file-driven render
 // cannot produce.
 #include <cstdio>
+#include <memory>
 #include <thread>
 
 #include "AAX_CLinearTaperDelegate.h"
@@ -37,7 +38,52 @@ std::string Line(const char* format, double value)
     return text;
 }
 
+// What a plug-in can read of a note event, field by field.
+std::string NoteFields(const Event& e)
+{
+    char text[200];
+    if (e.type == Event::kNoteOnEvent)
+        std::snprintf(text, sizeof(text), "on bus=%d at=%d ppq=%g flags=%d ch=%d pitch=%d tuning=%g vel=%.9g len=%d id=%d",
+                      e.busIndex, e.sampleOffset, e.ppqPosition, e.flags, e.noteOn.channel, e.noteOn.pitch,
+                      e.noteOn.tuning, e.noteOn.velocity, e.noteOn.length, e.noteOn.noteId);
+    else
+        std::snprintf(text, sizeof(text), "type=%d bus=%d at=%d ppq=%g flags=%d ch=%d pitch=%d vel=%.9g id=%d tuning=%g",
+                      e.type, e.busIndex, e.sampleOffset, e.ppqPosition, e.flags, e.noteOff.channel,
+                      e.noteOff.pitch, e.noteOff.velocity, e.noteOff.noteId, e.noteOff.tuning);
+    return text;
+}
+
 }  // namespace
+
+// Without MIDI debug lines, notes take a short way into the event list; the
+// plug-in must read the same events as on the way that logs them.
+TEST(Vst3Process, NotesReadTheSameWhetherOrNotMidiIsLogged)
+{
+    auto play = [](bool logged) {
+        std::unique_ptr<CLogCapture> log;
+        if (logged)
+            log = std::make_unique<CLogCapture>();
+        CHostedPlugin plugin("MrvTestSynth");
+        CTestContext buffers(128);
+        buffers.mMidiIn.Add(9, 0x93, 64, 0, true);     // immediate note-on at velocity 0
+        buffers.mMidiIn.Add(10, 0x80, 0xC8, 64);       // note-off, a pitch byte above 127 as given
+        buffers.mMidiIn.Add(11, 0xB0, 7, 64);          // a controller between the notes
+        buffers.mMidiIn.Add(12, 0x9F, 127, 127, true);
+        buffers.mMidiIn.Add(127, 0x8F, 1, 0, true);
+        plugin.mHost->Process(buffers.Block());
+        // The list is emptied after the call; its records are still there.
+        const Event* records = plugin.Loader().getInputEvents()->freeBegin();
+        std::vector<std::string> notes;
+        for (int i = 0; i < 4; ++i)
+            notes.push_back(NoteFields(records[i]));
+        return notes;
+    };
+    const std::vector<std::string> shortWay = play(false);
+    EXPECT_EQ(shortWay, play(true));
+    EXPECT_EQ(shortWay[0], "on bus=0 at=9 ppq=0 flags=1 ch=3 pitch=64 tuning=0 vel=0 len=0 id=-1");
+    EXPECT_EQ(shortWay[1], "type=1 bus=0 at=10 ppq=0 flags=0 ch=0 pitch=200 vel=0.503937006 id=-1 tuning=0");
+    EXPECT_EQ(shortWay[3], "type=1 bus=0 at=127 ppq=0 flags=1 ch=15 pitch=1 vel=0 id=-1 tuning=0");
+}
 
 TEST(Vst3Process, ImmediateMaskedAndSystemMessages)
 {

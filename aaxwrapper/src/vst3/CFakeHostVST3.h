@@ -83,6 +83,13 @@ private:
     // The MIDI packets of one slice become events and parameter changes.
     void PushSliceEvents(const CProcessBlock& slice, Morvane::vst3::EventList* events,
                          Morvane::vst3::ParameterChanges& changes);
+    // The usual block (the whole buffer, no MIDI debug lines): notes go
+    // straight into the list, the rest through PushEvent.
+    void PushWholeBufferEvents(const CProcessBlock& block, Morvane::vst3::EventList& events,
+                               Morvane::vst3::ParameterChanges& changes);
+    // One packet at `offset` in its slice: a note event, or a parameter change.
+    void PushEvent(const AAX_CMidiPacket& packet, Steinberg::int32 offset, bool logMidi,
+                   Morvane::vst3::EventList* events, Morvane::vst3::ParameterChanges& changes);
     // A MIDI message that drives a parameter (controller, program change,
     // after-touch, pitch bend), as the parameter and its normalised value.
     struct SMidiValue {

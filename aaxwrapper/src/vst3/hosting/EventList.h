@@ -26,6 +26,11 @@ public:
         return mCount < static_cast<Steinberg::int32>(mEvents.size()) ? &mEvents[static_cast<size_t>(mCount++)]
                                                                        : nullptr;
     }
+    // The host's bulk way in: the free records [freeBegin(), freeEnd()) are
+    // filled in place, then commit() counts every record before `next`.
+    Steinberg::Vst::Event* freeBegin() { return mEvents.data() + mCount; }
+    Steinberg::Vst::Event* freeEnd() { return mEvents.data() + mEvents.size(); }
+    void commit(const Steinberg::Vst::Event* next) { mCount = static_cast<Steinberg::int32>(next - mEvents.data()); }
     // Takes back the record append gave last (a message that is no note).
     void dropLast()
     {
