@@ -5,9 +5,11 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "AAX.h"
 #include "AAX_CMutex.h"
@@ -116,5 +118,6 @@ private:
     AAX_CMutex mLockGuard;
     AAX_IController* mController = nullptr;
     AAX_IEffectParameters* mEffectParameters = nullptr;
-    std::multimap<std::string, PacketRecord> mPacketsHandlers;
+    // Transparent: a lookup by an identifier makes no string of it.
+    std::multimap<std::string, PacketRecord, std::less<>> mPacketsHandlers;
 };

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "AAX.h"
@@ -37,6 +39,7 @@ public:
 private:
     AAX_IAutomationDelegate* mAutomationDelegate = nullptr;
     std::vector<AAX_IParameter*> mParameters;
-    std::map<std::string, AAX_IParameter*> mParametersMap;
+    // Transparent: a lookup by an identifier makes no string of it.
+    std::map<std::string, AAX_IParameter*, std::less<>> mParametersMap;
     std::vector<AAX_IParameter*> mRefused;
 };

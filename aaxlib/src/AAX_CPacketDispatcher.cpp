@@ -48,7 +48,7 @@ AAX_Result AAX_CPacketDispatcher::SetDirty(AAX_CParamID paramID, bool iDirty)
 {
     if (paramID == nullptr) return AAX_SUCCESS;
     AAX_StLock_Guard guard(mLockGuard);
-    auto range = mPacketsHandlers.equal_range(paramID);
+    auto range = mPacketsHandlers.equal_range(std::string_view(paramID));
     for (auto it = range.first; it != range.second; ++it) it->second.mPacket.SetDirty(iDirty);
     return AAX_SUCCESS;
 }
@@ -59,7 +59,7 @@ AAX_Result AAX_CPacketDispatcher::UpdateParameter(AAX_IParameter& parameter, AAX
     AAX_StLock_Guard guard(mLockGuard);
     parameter.UpdateNormalizedValue(normalizedValue);
     if (paramID == nullptr) return AAX_SUCCESS;
-    auto range = mPacketsHandlers.equal_range(paramID);
+    auto range = mPacketsHandlers.equal_range(std::string_view(paramID));
     for (auto it = range.first; it != range.second; ++it) it->second.mPacket.SetDirty(true);
     return AAX_SUCCESS;
 }

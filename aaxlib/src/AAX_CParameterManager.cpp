@@ -58,7 +58,7 @@ void AAX_CParameterManager::RemoveAllParameters()
 AAX_IParameter* AAX_CParameterManager::GetParameterByID(AAX_CParamID identifier)
 {
     if (identifier == nullptr) return nullptr;
-    auto it = mParametersMap.find(identifier);
+    auto it = mParametersMap.find(std::string_view(identifier));
     return it == mParametersMap.end() ? nullptr : it->second;
 }
 

@@ -133,6 +133,9 @@ bool CBenchRig::Open(const std::string& bundlePath, int blockSize, int instances
             error = "instance " + std::to_string(i) + ": " + error;
             return false;
         }
+        // aaxhost's list of automation events is its render report, not
+        // what a host does per point; a long run would only grow it.
+        mInstances.back()->Controller()->SetRecordAutomation(false);
         void** slots = static_cast<void**>(mInstances.back()->Context());
         mContexts.push_back(slots);
         mSilenceSlots.emplace_back(slots, slots + highest + 1);
