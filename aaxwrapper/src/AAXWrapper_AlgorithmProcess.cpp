@@ -90,7 +90,6 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
             S_Alg_Context* const context = *instance;
             if (context == nullptr)
                 continue;
-            const size_t bytes = BufferBytes(*context);
 
             AAXWrapper_Parameters* wrapper = nullptr;
             if (context->mPrivateData != nullptr)
@@ -107,13 +106,18 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
                 if (DelayedBypass(*wrapper, *context, bypassed))
                     continue;
             } else if (bypassed) {
-                PassThrough(*context, bytes);
+                PassThrough(*context, BufferBytes(*context));
                 continue;
             }
-            if (context->mPrivateData == nullptr)
+            // No private data: nothing to play. Private data without a
+            // wrapper in it, or a state being loaded: silence.
+            if (wrapper == nullptr) {
+                if (context->mPrivateData != nullptr)
+                    Silence(*context, BufferBytes(*context));
                 continue;
-            if (wrapper == nullptr || wrapper->IsLoadingState()) {
-                Silence(*context, bytes);
+            }
+            if (wrapper->IsLoadingState()) {
+                Silence(*context, BufferBytes(*context));
                 continue;
             }
             IFakeHost* const fakeHost = wrapper->GetFakeHost();
@@ -122,7 +126,7 @@ void AAXWrapper_AlgorithmProcessFunction(S_Alg_Context* const inInstancesBegin[]
             // A restore that started after the flag test above waits for
             // this call; one that has closed the gate meanwhile gets silence.
             if (!wrapper->ProcessGate().TryEnter()) {
-                Silence(*context, bytes);
+                Silence(*context, BufferBytes(*context));
                 continue;
             }
             Morvane::CProcessGateLeave leave(wrapper->ProcessGate());

@@ -161,7 +161,7 @@ void CFakeHostVST2::ProcessStandard(const CProcessBlock& block)
     MV_LOG("process", kLogDebug, "VST2> Process Replacing...");
     if (block.HasContextRate()) {
         const double rate = block.ContextRate();
-        if (rate > 0.0 && rate != mSampleRate)
+        if (rate != mSampleRate && rate > 0.0)  // the usual case fails the first test
             mPendingRate.store(rate);
     }
     const bool channelsMade = mChannelsFit || !mWideOutputs.empty();

@@ -38,7 +38,7 @@ void CFakeHostVST3::DoProcess(const CProcessBlock& block)
     Morvane::CProcessGateLeave leave(standard ? &loader.gate() : nullptr);  // also when the plug-in throws
     if (standard && block.HasContextRate()) {
         const double rate = block.ContextRate();
-        if (rate > 0.0 && rate != loader.getSampleRate())
+        if (rate != loader.getSampleRate() && rate > 0.0)  // the usual case fails the first test
             mPendingRate.store(rate);
     }
     // Never more samples per call than the processor was promised: longer
