@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kProbe = Bundle("Probe");
+const std::string kProbeBundle = Bundle("Probe");
 constexpr uint32_t kElckID = 0x656C636B;  // 'elck'
 
 // A private copy of the probe's bundle, free to be broken.
@@ -28,7 +28,7 @@ std::string CopyOfProbe(const std::string& dir)
 {
     const std::string copy = dir + "/Probe.aaxplugin";
     fs::remove_all(copy);
-    fs::copy(kProbe, copy, fs::copy_options::recursive);
+    fs::copy(kProbeBundle, copy, fs::copy_options::recursive);
     return copy;
 }
 
@@ -66,7 +66,7 @@ TEST(Hostile, SpecialFilesAndBadCommandLinesExitOneWithAMessage)
         {{"--tempo", "nan"}, ""}, {{"--instances", "x"}, ""}, {{"--no-such-option"}, ""},
     };
     for (const auto& [args, message] : cases) {
-        const SRunResult r = RenderProbe(kProbe, dir, args);
+        const SRunResult r = RenderProbe(kProbeBundle, dir, args);
         EXPECT_EQ(r.exitCode, 1) << args[0] << ": " << r.err;
         EXPECT_NE(r.err.find("aaxhost: error: "), std::string::npos) << r.err;
         EXPECT_NE(r.err.find(message), std::string::npos) << r.err;
@@ -138,10 +138,10 @@ TEST(Hostile, MidiFilesWithSysExOrWithoutEndOfTrackPlay)
     const uint32_t length = static_cast<uint32_t>(bytes.size() - track + 6);
     for (int i = 0; i < 4; ++i)
         sysex[track - 4 + i] = static_cast<char>((length >> (24 - 8 * i)) & 0xFF);
-    const SRunResult withSysex = RenderProbe(kProbe, dir, {"--midi", write("sysex.mid", sysex), "--json"});
+    const SRunResult withSysex = RenderProbe(kProbeBundle, dir, {"--midi", write("sysex.mid", sysex), "--json"});
     EXPECT_EQ(withSysex.exitCode, 0) << withSysex.err;
     EXPECT_GT(withSysex.Json()["instances"][0]["midi_in"].get<int>(), 0);
-    const SRunResult noEnd = RenderProbe(kProbe, dir, {"--midi", write("noend.mid", bytes.substr(0, bytes.size() - 4))});
+    const SRunResult noEnd = RenderProbe(kProbeBundle, dir, {"--midi", write("noend.mid", bytes.substr(0, bytes.size() - 4))});
     EXPECT_EQ(noEnd.exitCode, 0) << noEnd.err;
 }
 
@@ -149,7 +149,7 @@ TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
 {
     const std::string dir = TempDir("nan");
     // A plug-in writing NaN: counted, and the render fails.
-    const SRunResult blown = RenderProbe(kProbe, dir, {"--json"}, {"VST2PROBE_NAN_OUTPUT=1"});
+    const SRunResult blown = RenderProbe(kProbeBundle, dir, {"--json"}, {"VST2PROBE_NAN_OUTPUT=1"});
     EXPECT_EQ(blown.exitCode, 1);
     EXPECT_NE(blown.err.find("NaN"), std::string::npos) << blown.err;
     EXPECT_GT(blown.Json()["instances"][0]["channels"][0]["nan"].get<int>(), 0) << blown.out;
@@ -157,7 +157,7 @@ TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
     // A state whose parameter chunk holds NaN: the value is refused, the
     // output stays finite.
     const std::string state = dir + "/good.state";
-    ASSERT_EQ(RenderProbe(kProbe, dir, {"--save-state", state}).exitCode, 0);
+    ASSERT_EQ(RenderProbe(kProbeBundle, dir, {"--save-state", state}).exitCode, 0);
     std::vector<AAXHost::SStateChunk> chunks;
     std::string error;
     ASSERT_TRUE(AAXHost::ReadStateFile(state, chunks, error)) << error;
@@ -176,11 +176,11 @@ TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
     }
     ASSERT_TRUE(poisoned);
     ASSERT_TRUE(AAXHost::WriteStateFile(dir + "/nan.state", chunks, error)) << error;
-    const SRunResult restored = RenderProbe(kProbe, dir, {"--load-state", dir + "/nan.state", "--json"});
+    const SRunResult restored = RenderProbe(kProbeBundle, dir, {"--load-state", dir + "/nan.state", "--json"});
     EXPECT_EQ(restored.exitCode, 0) << restored.err;
 
     // A plug-in reporting NaN as a value: published as 0.
-    const SRunResult params = RunHost({"params", kProbe, "--json"}, {"VST2PROBE_NAN_PARAMETER=1"});
+    const SRunResult params = RunHost({"params", kProbeBundle, "--json"}, {"VST2PROBE_NAN_PARAMETER=1"});
     ASSERT_EQ(params.exitCode, 0) << params.err;
     const nlohmann::json list = params.Json()["parameters"];
     EXPECT_EQ(list[2]["default"].get<double>(), 0.0);
@@ -189,7 +189,7 @@ TEST(Hostile, NanIsCountedRefusedAndNeverPublished)
 TEST(Hostile, AStateWithoutItsParameterChunkStillLeavesOneTruth)
 {
     const std::string dir = TempDir("no-elck");
-    ASSERT_EQ(RenderProbe(kProbe, dir, {"--set", "0=0.9", "--save-state", dir + "/full.state"}).exitCode, 0);
+    ASSERT_EQ(RenderProbe(kProbeBundle, dir, {"--set", "0=0.9", "--save-state", dir + "/full.state"}).exitCode, 0);
     std::vector<AAXHost::SStateChunk> chunks;
     std::string error;
     ASSERT_TRUE(AAXHost::ReadStateFile(dir + "/full.state", chunks, error)) << error;
@@ -197,7 +197,7 @@ TEST(Hostile, AStateWithoutItsParameterChunkStillLeavesOneTruth)
                  chunks.end());
     ASSERT_TRUE(AAXHost::WriteStateFile(dir + "/plugin-only.state", chunks, error)) << error;
 
-    ASSERT_EQ(RenderProbe(kProbe, dir, {"--load-state", dir + "/plugin-only.state", "--save-state", dir + "/again.state"})
+    ASSERT_EQ(RenderProbe(kProbeBundle, dir, {"--load-state", dir + "/plugin-only.state", "--save-state", dir + "/again.state"})
                   .exitCode,
               0);
     ASSERT_TRUE(AAXHost::ReadStateFile(dir + "/again.state", chunks, error)) << error;
@@ -217,7 +217,7 @@ TEST(Hostile, AStateWithoutItsParameterChunkStillLeavesOneTruth)
 
 TEST(Hostile, APlugInThatEndsTheProcessIsReported)
 {
-    const SRunResult r = RenderProbe(kProbe, TempDir("exit"), {}, {"VST2PROBE_EXIT_ON_OPEN=1"});
+    const SRunResult r = RenderProbe(kProbeBundle, TempDir("exit"), {}, {"VST2PROBE_EXIT_ON_OPEN=1"});
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find("aaxhost: error: the plug-in ended the process during instance creation"), std::string::npos)
         << r.err;
