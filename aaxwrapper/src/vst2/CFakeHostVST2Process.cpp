@@ -2,6 +2,7 @@
 // translated from the front end's process block. Nothing here allocates or
 // locks; log lines are filtered before formatting.
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "AAX_IMIDINode.h"
@@ -37,9 +38,11 @@ struct STimeInfoOwed {
 
 // The record of one event as four 64-bit words, in VstMidiEvent's order:
 // type and size, delta and flags, note length and offset (0), then the MIDI
-// bytes the packet counts with detune, note-off velocity and the reserved bytes at 0. Written whole for
-// every event, so the effect always gets a complete record.
+// bytes the packet counts with detune, note-off velocity and the reserved
+// bytes at 0. Written whole for every event, so the effect always gets a
+// complete record.
 static_assert(sizeof(VstMidiEvent) == 32, "VstMidiEvent is four 64-bit words");
+static_assert(offsetof(VstMidiEvent, flags) == 12, "the flags follow deltaFrames");
 constexpr uint64_t kTypeAndSize =
     static_cast<uint32_t>(kVstMidiType) | (uint64_t{sizeof(VstMidiEvent)} << 32);
 
@@ -49,18 +52,18 @@ inline void WriteEvent(VstMidiEvent* record, const AAX_CMidiPacket& packet, int3
     static constexpr uint32_t kKeep[5] = {0u, 0xFFu, 0xFFFFu, 0xFFFFFFu, 0xFFFFFFFFu};  // little-endian
     uint32_t bytes = 0;
     std::memcpy(&bytes, packet.mData, sizeof(bytes));
-    bytes &= kKeep[packet.mLength < 4 ? packet.mLength : 4];
-    const uint64_t timing =
-        static_cast<uint32_t>(offset) |
-        (uint64_t{packet.mIsImmediate != 0 ? static_cast<uint32_t>(kVstMidiEventIsRealtime) : 0u} << 32);
+    bytes &= kKeep[std::min<uint32_t>(packet.mLength, 4)];
+    const uint64_t delta = static_cast<uint32_t>(offset);  // and flags 0
     const uint64_t zero = 0;
     const uint64_t data = bytes;
-    // Four stores straight into the record, no copy through the stack.
+    // Four stores straight into the record, no copy through the stack, then
+    // the real-time flag into the low byte of the flags (little-endian).
     char* out = reinterpret_cast<char*>(record);
     std::memcpy(out, &kTypeAndSize, 8);
-    std::memcpy(out + 8, &timing, 8);
+    std::memcpy(out + 8, &delta, 8);
     std::memcpy(out + 16, &zero, 8);
     std::memcpy(out + 24, &data, 8);
+    out[offsetof(VstMidiEvent, flags)] = packet.mIsImmediate != 0 ? kVstMidiEventIsRealtime : 0;
 }
 }  // namespace
 
@@ -228,31 +231,30 @@ void CFakeHostVST2::PushSliceEvents(const CProcessBlock& slice)
             slots[i] = reinterpret_cast<VstEvent*>(records + i);
         mSlotsSorted = false;
     }
-    VstMidiEvent* event = records;
-    VstMidiEvent* const full = records + kMaxEventsPerBuffer;
     int32_t previous = 0;
     bool ordered = true;
+    VstInt32 count = 0;
     if (slice.IsWholeBuffer()) {
         // The usual case: every stamp is in this block.
         const AAX_CMidiPacket* packet = slice.MidiBegin();
-        const AAX_CMidiPacket* const end =
-            packet + std::min<ptrdiff_t>(slice.MidiEnd() - packet, kMaxEventsPerBuffer);
-        for (; packet < end; ++packet, ++event) {
+        const ptrdiff_t total = std::min<ptrdiff_t>(slice.MidiEnd() - packet, kMaxEventsPerBuffer);
+        VstMidiEvent* record = records;
+        for (VstMidiEvent* const end = records + total; record != end; ++record, ++packet) {
             const int32_t offset = static_cast<int32_t>(packet->mTimestamp);
-            WriteEvent(event, *packet, offset);
+            WriteEvent(record, *packet, offset);
             ordered &= offset >= previous;
             previous = offset;
         }
+        count = static_cast<VstInt32>(total);
     } else {
         slice.ForEachPacket([&](const AAX_CMidiPacket& packet, int32_t offset) {
-            if (event == full)
+            if (count == kMaxEventsPerBuffer)
                 return;
-            WriteEvent(event++, packet, offset);
+            WriteEvent(records + count++, packet, offset);
             ordered &= offset >= previous;
             previous = offset;
         });
     }
-    const VstInt32 count = static_cast<VstInt32>(event - records);
     if (count == 0)
         return;
     if (!ordered) {
