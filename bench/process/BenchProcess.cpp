@@ -220,7 +220,7 @@ void RunPeakMemory(benchmark::State& state, const std::string& bundlePath, int i
 // One host automation point reaching the plug-in: the host's
 // UpdateParameterNormalizedValue for a wrapped parameter, the value changing
 // every time (main thread work, outside the real-time path).
-void RunAutomationPoint(benchmark::State& state, const std::string& bundlePath)
+void RunAutomationPoint(benchmark::State& state, const std::string& bundlePath, const char* id = "0")
 {
     CBenchRig rig;
     std::string error;
@@ -229,7 +229,6 @@ void RunAutomationPoint(benchmark::State& state, const std::string& bundlePath)
         return;
     }
     AAX_IACFEffectParameters* effect = rig.Effect(0);
-    const char* const id = "0";
     double value = 0.3;
     for (auto _ : state) {
         value = value == 0.3 ? 0.31 : 0.3;
@@ -289,6 +288,13 @@ int main(int argc, char** argv)
     if (std::strlen(BENCH_VST3_STD_BUNDLE) > 0)
         bundles.push_back({"vst3-standard", BENCH_VST3_STD_BUNDLE});
     RegisterAll(bundles);
+    if (std::strlen(BENCH_DEBIAN_VST3_BUNDLE) > 0) {
+        const std::string path = BENCH_DEBIAN_VST3_BUNDLE;
+        // Its first parameter, Attack, has the VST 3 identifier 3.
+        benchmark::RegisterBenchmark("AutomationPoint/ZamComp-vst3-standard",
+                                     [path](benchmark::State& state) { RunAutomationPoint(state, path, "3"); })
+            ->Unit(benchmark::kNanosecond);
+    }
     RegisterStateBenchmarks(BENCH_PROBE_BUNDLE);
 
     benchmark::Initialize(&argc, argv);
