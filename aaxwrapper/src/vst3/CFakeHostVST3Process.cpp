@@ -4,6 +4,7 @@
 #include "vst3/CFakeHostVST3.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
 #include <cstddef>
@@ -173,6 +174,17 @@ bool NoteEventOf(const AAX_CMidiPacket& packet, int32 offset, bool logMidi, Even
     }
 }
 
+// Every data byte's velocity as NoteEventOf computes it, the same bits, read
+// rather than converted and multiplied for each note.
+constexpr std::array<float, 256> MakeVelocities()
+{
+    std::array<float, 256> velocities{};
+    for (size_t i = 0; i < velocities.size(); ++i)
+        velocities[i] = static_cast<float>(i) * kOneOver127;
+    return velocities;
+}
+constexpr std::array<float, 256> kVelocities = MakeVelocities();
+
 // The event NoteEventOf makes of a note-on (0x9n) or note-off (0x8n) at the
 // packet's own stamp, written as six 64-bit words: every byte of the record
 // once, no clearing first. This runs for every note, so it is written for the
@@ -188,9 +200,8 @@ inline void WriteNote(Event& record, const AAX_CMidiPacket& packet)
     const uint64_t live = packet.mIsImmediate != 0 ? uint64_t{Event::kIsLive} : 0u;
     // channel (int16) then pitch (int16): the status byte's low nibble, data byte 1.
     const uint64_t channelPitch = (bytes & 0x0Fu) | ((bytes & 0xFF00u) << 8);
-    const float velocity = static_cast<float>((bytes >> 16) & 0xFFu) * kOneOver127;
     uint32_t velocityBits = 0;
-    std::memcpy(&velocityBits, &velocity, sizeof(velocityBits));
+    std::memcpy(&velocityBits, &kVelocities[(bytes >> 16) & 0xFFu], sizeof(velocityBits));
     constexpr uint64_t kNoNoteId = 0xFFFFFFFFu;  // -1 in the low half
     // Stores straight into the record, no copy through the stack.
     char* const out = reinterpret_cast<char*>(&record);
@@ -232,7 +243,8 @@ void CFakeHostVST3::PushWholeBufferEvents(const CProcessBlock& block, Morvane::v
 {
     Event* next = events.freeBegin();
     Event* const end = events.freeEnd();
-    for (const AAX_CMidiPacket* packet = block.MidiBegin(); packet < block.MidiEnd(); ++packet) {
+    const AAX_CMidiPacket* const last = block.MidiEnd();
+    for (const AAX_CMidiPacket* packet = block.MidiBegin(); packet < last; ++packet) {
         if ((packet->mData[0] & 0xE0) == 0x80) {
             // With the list full there is nowhere to put it.
             if (next != end)
