@@ -20,23 +20,9 @@ struct RefCounter {
     acfUInt32 Sub() { return static_cast<acfUInt32>(--refs); }
 };
 
-// An object that answers nothing but IACFUnknown.
-class HostNothing final : public IACFUnknown {
-public:
-    RefCounter counter;
-    ACFRESULT QueryInterface(const acfIID& iid, void** ppOut) override
-    {
-        *ppOut = iid == IID_IACFUnknown ? this : nullptr;
-        if (*ppOut == nullptr) return ACF_E_NOINTERFACE;
-        counter.Add();
-        return ACF_OK;
-    }
-    acfUInt32 AddRef() override { return counter.Add(); }
-    acfUInt32 Release() override { return counter.Sub(); }
-};
-
 // One host object answering the controller and automation
-// interfaces of an effect instance (no transport: nothing here reads it).
+// interfaces of an effect instance (no transport: nothing here reads it);
+// with answerInterfaces off it answers nothing but IACFUnknown.
 class HostController final : public AAX_IACFController, public AAX_IACFAutomationDelegate {
 public:
     struct Post {

@@ -39,14 +39,6 @@ AAXHost::SStateChunk ElckOf(const fs::path& stateFile)
     return AAXHost::SStateChunk();
 }
 
-AAX_CChunkDataParser Parse(const AAXHost::SStateChunk& c)
-{
-    auto chunk = aaxlib_test::MakeChunk(std::vector<unsigned char>(c.data.begin(), c.data.end()));
-    AAX_CChunkDataParser parser;
-    parser.LoadChunk(chunk.get());
-    return parser;
-}
-
 }  // namespace
 
 // Saved with the bypass on, restored without it: the chunk holds the values,
@@ -68,7 +60,9 @@ TEST(EndToEnd, SavedChunkHoldsTheValuesButNotTheBypassAndRestoresIdentically)
     EXPECT_EQ(0, std::memcmp(elck.data.data(), "\x01\x01\x01\x01", 4));
     EXPECT_EQ(elck.data, ElckOf(second).data);
 
-    AAX_CChunkDataParser parser = Parse(elck);
+    auto chunk = aaxlib_test::MakeChunk(std::vector<unsigned char>(elck.data.begin(), elck.data.end()));
+    AAX_CChunkDataParser parser;
+    parser.LoadChunk(chunk.get());
     double value = 0;
     EXPECT_TRUE(parser.FindDouble("1", &value));
     EXPECT_DOUBLE_EQ(0.25, value);

@@ -47,15 +47,16 @@ TEST(ACFUnknown, ReferenceCountingOwnAndAggregated)
     EXPECT_EQ(before, CACFUnknown::GetActiveObjectCount());
 
     // An aggregated object answers with, and counts on, its outer identity.
-    HostNothing outer;
-    auto* inner = new Counted(&outer);
+    HostController outer;
+    IACFUnknown* outerUnknown = static_cast<AAX_IACFController*>(&outer);
+    auto* inner = new Counted(outerUnknown);
     EXPECT_EQ(ACF_OK, inner->QueryInterface(IID_IACFUnknown, &out));
-    EXPECT_EQ(static_cast<IACFUnknown*>(&outer), out);
+    EXPECT_EQ(outerUnknown, out);
     inner->AddRef();
     EXPECT_EQ(2, outer.counter.refs);
     EXPECT_EQ(0, inner->GetReferenceCount());
     inner->Release();
-    outer.Release();
+    outerUnknown->Release();
     inner->GetPrivateUnknown()->AddRef();
     EXPECT_EQ(0u, inner->GetPrivateUnknown()->Release());
     EXPECT_EQ(0, outer.counter.refs);
@@ -64,12 +65,14 @@ TEST(ACFUnknown, ReferenceCountingOwnAndAggregated)
 
 TEST(Proxies, AHostThatAnswersNothingGetsNullObjectAnswers)
 {
-    HostNothing nothing;
+    HostController host;
+    host.answerInterfaces = false;
+    IACFUnknown* nothing = static_cast<AAX_IACFController*>(&host);
     {
-        AAX_VController controller(&nothing);
-        AAX_VTransport transport(&nothing);
-        AAX_VViewContainer view(&nothing);
-        AAX_VCollection collection(&nothing);
+        AAX_VController controller(nothing);
+        AAX_VTransport transport(nothing);
+        AAX_VViewContainer view(nothing);
+        AAX_VCollection collection(nothing);
         AAX_VController none(nullptr);
         AAX_CSampleRate rate = 0;
         double tempo = 0;
@@ -84,7 +87,7 @@ TEST(Proxies, AHostThatAnswersNothingGetsNullObjectAnswers)
         EXPECT_EQ(nullptr, collection.GetIUnknown());
         EXPECT_EQ(AAX_ERROR_NULL_OBJECT, collection.AddEffect("x", nullptr));
     }
-    EXPECT_EQ(0, nothing.counter.refs);
+    EXPECT_EQ(0, host.counter.refs);
 }
 
 // Whatever the outcome, only the plug-in definition handed back keeps a reference.

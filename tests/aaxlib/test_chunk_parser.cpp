@@ -81,7 +81,7 @@ TEST(ChunkParser, EveryTagIsByteExactWithZeroPadding)
     EXPECT_EQ(4 + 4 + 4, p.GetChunkDataSize());
 }
 
-TEST(ChunkParser, ReadBackKeepsValuesAndTheStringPaddingQuirk)
+TEST(ChunkParser, ReadBackKeepsValuesTheStringPaddingQuirkAndSkipsUnknownTags)
 {
     auto chunk = MakeChunk(AllTypesBytes());
     chunk->fVersion = 7;
@@ -113,20 +113,16 @@ TEST(ChunkParser, ReadBackKeepsValuesAndTheStringPaddingQuirk)
 
     // The untyped read-back entry is not written again.
     EXPECT_EQ(AllTypesBytes(), Serialize(parser));
-}
 
-TEST(ChunkParser, UnknownTagIsSkippedAndParsingGoesOn)
-{
+    // An unknown tag is kept as an untyped entry and the parse goes on.
     Bytes data = {1, 1, 1, 1};
     Append(data, std::string("x_odd\0\0\0", 8));
     Append(data, std::string("l_n\0", 4));
     Append(data, {0, 0, 0, 42});
-    AAX_CChunkDataParser parser;
-    parser.LoadChunk(MakeChunk(data).get());
-    ASSERT_EQ(2u, parser.NumEntries());
-    EXPECT_EQ(0, parser.Entry(0).mDataType);
-    EXPECT_EQ("odd", parser.Entry(0).mDataName.StdString());
-    int32_t v = 0;
-    EXPECT_TRUE(parser.FindInt32("n", &v));
-    EXPECT_EQ(42, v);
+    AAX_CChunkDataParser unknown;
+    unknown.LoadChunk(MakeChunk(data).get());
+    ASSERT_EQ(2u, unknown.NumEntries());
+    EXPECT_EQ(0, unknown.Entry(0).mDataType);
+    EXPECT_EQ("odd", unknown.Entry(0).mDataName.StdString());
+    EXPECT_TRUE(unknown.FindInt32("n", &l) && l == 42);
 }

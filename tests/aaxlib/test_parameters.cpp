@@ -32,7 +32,7 @@ struct AutomationFixture : ::testing::Test {
 
 }  // namespace
 
-TEST(Tapers, OutOfRangeValuesClampAndPrecisionSnaps)
+TEST(TapersAndDisplays, ClampingSnappingShorteningAndParsing)
 {
     AAX_CLinearTaperDelegate<float, 0> taper(20.0f, 20000.0f);
     EXPECT_FLOAT_EQ(10010.0f, taper.NormalizedToReal(0.5));
@@ -47,10 +47,8 @@ TEST(Tapers, OutOfRangeValuesClampAndPrecisionSnaps)
     EXPECT_TRUE(binary.NormalizedToReal(0.0001));
     EXPECT_FALSE(binary.NormalizedToReal(0.0));
     EXPECT_FALSE(binary.NormalizedToReal(-0.5));
-}
 
-TEST(Displays, ShorteningParsingAndExactTexts)
-{
+    // Displays: shortening, parsing and exact texts.
     AAX_CNumberDisplayDelegate<float, 2, 0> number;
     AAX_CString text;
     EXPECT_TRUE(number.ValueToString(3.14159f, &text));
@@ -66,12 +64,12 @@ TEST(Displays, ShorteningParsingAndExactTexts)
     EXPECT_EQ(0.0f, v);
     EXPECT_FALSE(number.StringToValue(AAX_CString(""), &v));
 
-    AAX_CBinaryDisplayDelegate<bool> binary("Off", "On");
+    AAX_CBinaryDisplayDelegate<bool> onOff("Off", "On");
     bool b = false;
-    EXPECT_TRUE(binary.StringToValue(AAX_CString("On"), &b) && b);
-    EXPECT_TRUE(binary.StringToValue(AAX_CString("Off"), &b) && !b);
+    EXPECT_TRUE(onOff.StringToValue(AAX_CString("On"), &b) && b);
+    EXPECT_TRUE(onOff.StringToValue(AAX_CString("Off"), &b) && !b);
     b = true;
-    EXPECT_FALSE(binary.StringToValue(AAX_CString("on"), &b));  // case matters
+    EXPECT_FALSE(onOff.StringToValue(AAX_CString("on"), &b));  // case matters
     EXPECT_FALSE(b);
 
     // A parameter refuses a text its display cannot read and keeps its value.
@@ -83,7 +81,8 @@ TEST(Displays, ShorteningParsingAndExactTexts)
     EXPECT_EQ(std::string(31, 'x'), longID->Identifier());
 }
 
-TEST_F(AutomationFixture, UpdatesReportOnlyRealChanges)
+// Updates report only real changes; requests are clamped and wait for the host.
+TEST_F(AutomationFixture, UpdatesAndRequests)
 {
     std::unique_ptr<FloatParam> p(MakeFloat("1"));
     p->SetAutomationDelegate(&automation);
@@ -95,17 +94,14 @@ TEST_F(AutomationFixture, UpdatesReportOnlyRealChanges)
     p->UpdateNormalizedValue(1.0);
     p->UpdateNormalizedValue(1.2);
     EXPECT_EQ(2u, host.currentValues.size());
-}
 
-TEST_F(AutomationFixture, RequestsAreClampedAndWaitForTheHost)
-{
-    std::unique_ptr<FloatParam> p(MakeFloat("7"));
-    p->SetAutomationDelegate(&automation);
-    p->SetNormalizedValue(1.7);
+    std::unique_ptr<FloatParam> q(MakeFloat("7"));
+    q->SetAutomationDelegate(&automation);
+    q->SetNormalizedValue(1.7);
     EXPECT_EQ((std::vector<std::string>{"touch 7", "set 7", "release 7"}), host.events);
     ASSERT_EQ(1u, host.setRequests.size());
     EXPECT_DOUBLE_EQ(1.0, host.setRequests[0].second);
-    EXPECT_FLOAT_EQ(0.5f, p->GetValue());
+    EXPECT_FLOAT_EQ(0.5f, q->GetValue());
 }
 
 TEST_F(AutomationFixture, ManagerKeepsTheFirstOfDuplicateIdentifiers)

@@ -43,12 +43,26 @@ public:
     int64_t mSamplePosition = 0;
 };
 
-AAX_CMidiPacket MidiPacket(uint32_t timestamp, const std::vector<unsigned char>& bytes, bool immediate = false);
+inline AAX_CMidiPacket MidiPacket(uint32_t timestamp, const std::vector<unsigned char>& bytes, bool immediate = false)
+{
+    AAX_CMidiPacket packet;
+    packet.mTimestamp = timestamp;
+    packet.mLength = static_cast<uint32_t>(bytes.size());
+    for (size_t i = 0; i < bytes.size() && i < 4; ++i)
+        packet.mData[i] = bytes[i];
+    packet.mIsImmediate = immediate ? 1 : 0;
+    return packet;
+}
 
 // Hands the packets in mPackets to the plug-in side and keeps what it posts.
 class CTestMidiNode : public AAX_IMIDINode {
 public:
-    AAX_CMidiStream* GetNodeBuffer() override;
+    AAX_CMidiStream* GetNodeBuffer() override
+    {
+        mStream.mBufferSize = static_cast<uint32_t>(mPackets.size());
+        mStream.mBuffer = mPackets.empty() ? nullptr : mPackets.data();
+        return &mStream;
+    }
     AAX_Result PostMIDIPacket(AAX_CMidiPacket* packet) override
     {
         mPosted.push_back(*packet);

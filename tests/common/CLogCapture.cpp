@@ -1,5 +1,6 @@
 #include "CLogCapture.h"
 
+#include <algorithm>
 #include <fstream>
 
 namespace TestSupport {
@@ -46,30 +47,9 @@ bool CLogCapture::Contains(const std::string& text) const { return Count(text) >
 size_t CLogCapture::Count(const std::string& text) const
 {
     std::lock_guard<std::mutex> lock(mMutex);
-    size_t count = 0;
-    for (const std::string& line : mLines)
-        if (line.find(text) != std::string::npos)
-            ++count;
-    return count;
-}
-
-std::vector<std::string> CLogCapture::Find(const std::string& category, const std::string& level,
-                                           const std::string& text) const
-{
-    std::lock_guard<std::mutex> lock(mMutex);
-    std::vector<std::string> found;
-    for (const std::string& line : mLines) {
-        if (line.find("| " + category + " ") != std::string::npos &&
-            line.find("| " + level + " ") != std::string::npos && line.find(text) != std::string::npos)
-            found.push_back(line);
-    }
-    return found;
-}
-
-void CLogCapture::Clear()
-{
-    std::lock_guard<std::mutex> lock(mMutex);
-    mLines.clear();
+    return static_cast<size_t>(std::count_if(mLines.begin(), mLines.end(), [&text](const std::string& line) {
+        return line.find(text) != std::string::npos;
+    }));
 }
 
 }  // namespace TestSupport

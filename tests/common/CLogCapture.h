@@ -29,10 +29,6 @@ public:
     bool Contains(const std::string& text) const;
     // Lines that contain `text`.
     size_t Count(const std::string& text) const;
-    // Lines of this category and level whose message contains `text`.
-    std::vector<std::string> Find(const std::string& category, const std::string& level,
-                                  const std::string& text) const;
-    void Clear();
 
 private:
     CTempDir mConfDir;

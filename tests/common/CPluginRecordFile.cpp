@@ -1,5 +1,6 @@
 #include "CPluginRecordFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -32,20 +33,17 @@ std::vector<std::string> CPluginRecordFile::Lines() const
 
 std::vector<std::string> CPluginRecordFile::LinesStartingWith(const std::string& prefix) const
 {
-    std::vector<std::string> selected;
-    for (const std::string& line : Lines())
-        if (StartsWith(line, prefix))
-            selected.push_back(line);
-    return selected;
+    std::vector<std::string> lines = Lines();
+    lines.erase(std::remove_if(lines.begin(), lines.end(), [&](const std::string& l) { return !StartsWith(l, prefix); }),
+                lines.end());
+    return lines;
 }
 
 int CPluginRecordFile::IndexOf(const std::string& prefix) const
 {
-    const auto lines = Lines();
-    for (size_t i = 0; i < lines.size(); ++i)
-        if (StartsWith(lines[i], prefix))
-            return static_cast<int>(i);
-    return -1;
+    const std::vector<std::string> lines = Lines();
+    const auto at = std::find_if(lines.begin(), lines.end(), [&](const std::string& l) { return StartsWith(l, prefix); });
+    return at == lines.end() ? -1 : static_cast<int>(at - lines.begin());
 }
 
 void CPluginRecordFile::Clear() const { std::ofstream(mPath, std::ios::trunc); }

@@ -16,7 +16,13 @@ public:
     void OnPluginBeginEdit(uint32_t) override {}
     void OnPluginEndEdit(uint32_t) override {}
     void OnPluginEdit(uint32_t tag, double value) override { mSetValues.emplace_back(std::to_string(tag), value); }
-    void OnPluginValueMoved(uint32_t tag, double value) override;
+    // A move to the value the owner already holds is no edit.
+    void OnPluginValueMoved(uint32_t tag, double value) override
+    {
+        double current = 0.0;
+        if (GetParameterNormalizedValue(std::to_string(tag).c_str(), &current) == AAX_SUCCESS && current != value)
+            OnPluginEdit(tag, value);
+    }
 
     // The plug-in's edits, values exactly as it gave them.
     std::vector<std::pair<std::string, double>> mSetValues;

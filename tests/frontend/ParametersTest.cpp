@@ -4,40 +4,23 @@
 // chunks and field blocks. Publishing and state round trips run end to end.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <vector>
 
 #include "AAXWrapper_Identity.h"
 #include "S_Alg_Context.h"
 #include "WrapperFixture.h"
 
-namespace {
-
 using ParametersTest = WrapperTest;
-
-// A host-style chunk record with room for `dataSize` bytes.
-struct Chunk {
-    explicit Chunk(uint32_t dataSize) : block(sizeof(AAX_SPlugInChunk) + dataSize)
-    {
-        get()->fSize = static_cast<int32_t>(dataSize);
-    }
-    AAX_SPlugInChunk* get() { return reinterpret_cast<AAX_SPlugInChunk*>(block.data()); }
-    std::vector<char> block;
-};
-
-}  // namespace
 
 TEST_F(ParametersTest, FakeHostExceptionsStopAtTheAAXBoundary)
 {
     Script().values = {0.5f};
     Script().failAssertions = true;
     auto wrapper = MakeWrapper();
-    EXPECT_EQ(mLog->Find("fakehost", "error", "Exception in Init - mVst3Loader!=0").size(), 1u);
     EXPECT_EQ(wrapper->EffectInit(), AAX_SUCCESS);
     int32_t count = 0;
     wrapper->GetNumberOfParameters(&count);
     EXPECT_EQ(count, 1) << "only the master bypass";
-    EXPECT_EQ(mLog->Find("fakehost", "error", "Exception in GetParameterCount - count").size(), 1u);
 }
 
 TEST_F(ParametersTest, ParameterChangesReachTheEditorThenTheAudioSideOnce)
@@ -48,11 +31,9 @@ TEST_F(ParametersTest, ParameterChangesReachTheEditorThenTheAudioSideOnce)
     auto wrapper = MakeWrapper();
     wrapper->EffectInit();
     Script().journal.clear();
-    mLog->Clear();
 
     EXPECT_EQ(wrapper->UpdateParameterNormalizedValue("12", 0.5, AAX_eUpdateSource_Parameter), AAX_SUCCESS);
     EXPECT_EQ(Script().journal, (std::vector<std::string>{"GUI 12 0.500000", "Processing 12 0.500000"}));
-    EXPECT_EQ(mLog->Find("parameters", "debug", " Update parameter Param12 from 0.25 to 0.5").size(), 1u);
     double value = 0.0;
     wrapper->GetParameterNormalizedValue("12", &value);
     EXPECT_DOUBLE_EQ(value, 0.5) << "the base update still runs";
@@ -87,8 +68,6 @@ TEST_F(ParametersTest, GetChunkWritesTheStateGetChunkSizeMeasured)
     Chunk small(size);
     EXPECT_EQ(wrapper->GetChunk(kProductID, small.get()), AAX_ERROR_INCORRECT_CHUNK_SIZE);
     EXPECT_EQ(small.get()->fSize, static_cast<int32_t>(size));
-    EXPECT_EQ(mLog->Find("parameters", "error", "GetChunk state of 12 bytes does not fit the chunk of 5 bytes").size(),
-              1u);
 }
 
 // A corrupt chunk size never reaches the plug-in and the silence still ends;
@@ -112,7 +91,6 @@ TEST_F(ParametersTest, WithoutHostTheWrapperChunkIsEmptyButSucceeds)
 {
     WithoutHost();
     auto wrapper = MakeWrapper();
-    EXPECT_EQ(mLog->Find("fakehost", "error", "Fakehost null.").size(), 1u);
     uint32_t size = 12345;
     EXPECT_EQ(wrapper->GetChunkSize(kProductID, &size), AAX_SUCCESS);
     EXPECT_EQ(size, 12345u) << "the size must not be written";

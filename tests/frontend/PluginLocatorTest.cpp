@@ -23,11 +23,14 @@ std::vector<std::string> LinuxCandidates(const std::string& extension)
 
 }  // namespace
 
-TEST(PluginSearch, Vst2CoversThePathVariablesAndTheVstAndLxvstFolders)
+// VST 2: both path variables, then the vst and lxvst folders; VST 3: its own
+// variable and folders only.
+TEST(PluginSearch, EachFormatCoversItsPathVariablesAndFolders)
 {
     CScopedEnv home("HOME", "/home/maker");
     CScopedEnv vstPath("VST_PATH", "/opt/a:/opt/b/");
     CScopedEnv lxvstPath("LXVST_PATH", "/opt/c");
+    CScopedEnv vst3Path("VST3_PATH", "/opt/v3");
     std::vector<std::string> expected;
     for (const char* folder : {"/opt/a/", "/opt/b/", "/opt/c/", "/home/maker/.vst/", "/home/maker/.lxvst/",
                                "/usr/local/lib/vst/", "/usr/local/lib/lxvst/", "/usr/lib/vst/", "/usr/lib/lxvst/"}) {
@@ -35,13 +38,6 @@ TEST(PluginSearch, Vst2CoversThePathVariablesAndTheVstAndLxvstFolders)
         expected.push_back(std::string(folder) + "Synth.so");
     }
     EXPECT_EQ(LinuxCandidates("vst"), expected);
-}
-
-TEST(PluginSearch, Vst3CoversItsPathVariableAndFolders)
-{
-    CScopedEnv home("HOME", "/home/maker");
-    CScopedEnv vst3Path("VST3_PATH", "/opt/v3");
-    CScopedEnv vstPath("VST_PATH", "/opt/ignored");
     EXPECT_EQ(LinuxCandidates("vst3"),
               (std::vector<std::string>{"/opt/v3/Synth.vst3", "/home/maker/.vst3/Synth.vst3",
                                         "/usr/local/lib/vst3/Synth.vst3", "/usr/lib/vst3/Synth.vst3"}));

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "AAXWrapper_Parameters.h"
 #include "FakeHostDouble.h"
@@ -45,6 +46,16 @@ struct WrapperDeleter {
     void operator()(AAXWrapper_Parameters* wrapper) const { wrapper->Release(); }
 };
 using WrapperPtr = std::unique_ptr<AAXWrapper_Parameters, WrapperDeleter>;
+
+// A host-style chunk record with room for `dataSize` bytes.
+struct Chunk {
+    explicit Chunk(uint32_t dataSize) : block(sizeof(AAX_SPlugInChunk) + dataSize)
+    {
+        get()->fSize = static_cast<int32_t>(dataSize);
+    }
+    AAX_SPlugInChunk* get() { return reinterpret_cast<AAX_SPlugInChunk*>(block.data()); }
+    std::vector<char> block;
+};
 
 inline WrapperPtr MakeWrapper()
 {

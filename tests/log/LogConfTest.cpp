@@ -77,7 +77,7 @@ TEST_F(LogConf, EveryRowOfTheFailureTable)
 
 // Duplicate categories keep the first level; DebugAllFlag is read from the
 // raw line, so "DebugAllFlag 1" leaves it 0; "//" after blanks is a category.
-TEST_F(LogConf, OddButSpecifiedLines)
+TEST_F(LogConf, OddButSpecifiedAndOverlongLines)
 {
     const std::string out = load("gui info\ngui debug\nDebugAllFlag 1\nmidi warning\n  // note\n");
     EXPECT_EQ(levelOf("gui"), kLogInfo);
@@ -87,21 +87,18 @@ TEST_F(LogConf, OddButSpecifiedLines)
     EXPECT_EQ(levelOf("//"), kLogError);
     EXPECT_THAT(out, HasSubstr("Log level note not existing.\n"));
     EXPECT_EQ(levelOf("DebugAllFlag"), -1);
-}
 
-// Arbitrary bytes are fuzz/logconf's; an over-long line is skipped whole
-// and the parse goes on after it. 255 characters fit exactly.
-TEST_F(LogConf, OverlongLinesAreSkippedWhole)
-{
+    // Arbitrary bytes are fuzz/logconf's; an over-long line is skipped whole
+    // and the parse goes on after it. 255 characters fit exactly.
     const std::string longLine(300, 'L');
     const std::string fits = std::string(249, 'k') + " info";
-    const std::string out = load("gui debug\n" + longLine + " info\nmidi notice\n" + fits + "\n" + std::string(1000, 'E'));
+    const std::string overlong = load("gui debug\n" + longLine + " info\nmidi notice\n" + fits + "\n" + std::string(1000, 'E'));
     EXPECT_EQ(levelOf("gui"), kLogDebug);
     EXPECT_EQ(levelOf("midi"), kLogNotice);
     EXPECT_EQ(levelOf(fits.substr(0, 249).c_str()), kLogInfo);
-    EXPECT_THAT(out, HasSubstr("## WARNING : this line is ignored as longer than 255 characters " +
-                               longLine.substr(0, 255) + "\n"));
-    EXPECT_EQ(CountOccurrences(out, "ignored as longer than 255"), 2u);
+    EXPECT_THAT(overlong, HasSubstr("## WARNING : this line is ignored as longer than 255 characters " +
+                                    longLine.substr(0, 255) + "\n"));
+    EXPECT_EQ(CountOccurrences(overlong, "ignored as longer than 255"), 2u);
 }
 
 TEST(LogOutputName, StampFollowsCtimeLayout)

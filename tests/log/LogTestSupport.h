@@ -86,16 +86,3 @@ inline std::string LineBody(const std::string& line)
     const size_t bar = line.rfind(" | ");
     return bar == std::string::npos ? std::string() : line.substr(bar + 3);
 }
-
-// Every line(t, i) is there, each thread's lines in their order.
-template <typename Line>
-void ExpectEachThreadInOrder(const std::string& text, int threads, int lines, Line line)
-{
-    for (int t = 0; t < threads; ++t)
-        for (int i = 0, previous = 0; i < lines; ++i) {
-            const size_t at = text.find(line(t, i));
-            ASSERT_NE(at, std::string::npos) << line(t, i);
-            EXPECT_GE(static_cast<int>(at), previous) << line(t, i);
-            previous = static_cast<int>(at);
-        }
-}

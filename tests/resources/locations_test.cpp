@@ -4,6 +4,7 @@
 
 #include "CScopedEnv.h"
 #include "Locations.h"
+#include "stlutils.h"
 
 using Morvane::GetFolder;
 using Morvane::GetLocation;
@@ -40,4 +41,16 @@ TEST(GetLocation, TildeFollowsHomeAndBadValuesFail)
     for (int bad : {7, -1, 1000})
         EXPECT_FALSE(GetLocation(static_cast<Location>(bad), path)) << bad;
     EXPECT_EQ(path, "untouched");
+}
+
+// The bundle path's "/./" clean-up relies on it.
+TEST(ReplaceAll, TerminatesAndResumesAfterInsertedText)
+{
+    using Morvane::stlutils::replace_all;
+    EXPECT_EQ(replace_all("aaa", "a", "aa"), "aaaaaa");
+    EXPECT_EQ(replace_all("/a/./b/./c", "/./", "/"), "/a/b/c");
+    // The scan resumes after the inserted "/", so a run shrinks only once.
+    EXPECT_EQ(replace_all("/a/././b", "/./", "/"), "/a/./b");
+    EXPECT_EQ(replace_all("abcabc", "abc", ""), "");
+    EXPECT_EQ(replace_all("abc", "", "x"), "abc") << "an empty pattern must not loop forever";
 }
