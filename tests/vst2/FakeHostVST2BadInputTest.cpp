@@ -46,7 +46,7 @@ void ExpectInertHost(CFakeHostVST2& host)
 
 }  // namespace
 
-TEST(FakeHostVST2BadInput, FilesThatGiveNoEffectLeaveAnInertHost)
+TEST(FakeHostVST2BadInput, FilesThatGiveNoEffectAndAQuitPlugInLeaveAnInertHost)
 {
     const CTempDir dir;
     const std::string textFile = dir.WriteFile("plain-text.so", "not a shared object\n");
@@ -68,21 +68,16 @@ TEST(FakeHostVST2BadInput, FilesThatGiveNoEffectLeaveAnInertHost)
             EXPECT_EQ(record.Lines(), std::vector<std::string>{"entry VSTPluginMain refused"});
         }
     }
-}
-
-TEST(FakeHostVST2BadInput, QuitLeavesAnInertHost)
-{
     CProbeRecord record;
-    CLogCapture log({"fakehost"});
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
     hosted.host->Quit();
-    EXPECT_TRUE(log.Contains("[ Quit ] "));
     record.Clear();
     ExpectInertHost(*hosted.host);
     EXPECT_TRUE(record.Lines().empty()) << "nothing reaches a quit plug-in";
 }
 
-TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsTolerated)
+// A context with missing fields, and parameter indices out of range.
+TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsToleratedAndBadIndicesAreReported)
 {
     CProbeRecord record;
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
@@ -96,12 +91,7 @@ TEST(FakeHostVST2BadInput, ContextWithMissingFieldsIsTolerated)
     // The first call set the rate; without a length nothing is rendered.
     EXPECT_EQ(record.LinesStartingWith("process").size(), 1u);
     EXPECT_EQ(record.LinesStartingWith("dispatch effSetSampleRate").size(), 1u);
-}
 
-TEST(FakeHostVST2BadInput, ParameterIndexOutOfRangeIsReportedAndStillAsked)
-{
-    CProbeRecord record;
-    HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
     // Unconfigured log: the assertion only reports, the plug-in is asked anyway.
     const SParameterInfo far = hosted.host->GetParameterInfo(99);
     EXPECT_TRUE(far.valid);
@@ -132,9 +122,7 @@ TEST(FakeHostVST2BadInput, PluginWithMoreOutputsThanTheHostIsSilencedNotOverrun)
 {
     const CScopedEnv outputs("VST2PROBE_OUTPUTS", "40");
     CProbeRecord record;
-    CLogCapture log({"fakehost"});
     HostedPlugin hosted(BuiltPlugin("vst2probe.so"));
-    EXPECT_TRUE(log.Contains("40 outputs"));
     CTestContext ctx(32);
     ctx.FillOutputs(0.5f);
     hosted.host->Process(ctx.Block());

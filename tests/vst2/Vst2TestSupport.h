@@ -3,8 +3,7 @@
 // doubles, context record, owner and log capture are shared test support.
 #pragma once
 
-#include <sys/stat.h>
-
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -26,11 +25,7 @@ using namespace TestSupport;
 inline std::string BuiltPlugin(const std::string& name) { return std::string(VST2_TEST_VST_DIR) + "/" + name; }
 inline std::string TavrionPath() { return BuiltPlugin("Tavrion V2.vst"); }
 constexpr const char* kDebianVstDir = "/usr/lib/vst/";
-inline bool FileExists(const std::string& path)
-{
-    struct stat info;
-    return stat(path.c_str(), &info) == 0;
-}
+inline bool FileExists(const std::string& path) { return std::filesystem::exists(path); }
 
 // The file the probe plug-in records into (VST2PROBE_LOG).
 class CProbeRecord : public TestSupport::CPluginRecordFile {

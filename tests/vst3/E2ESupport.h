@@ -23,6 +23,11 @@ inline std::string TempDir(const std::string& name) { return AAXHostTest::TestFo
 
 // The bundle built around the test instrument.
 inline std::string SynthBundle() { return std::string(VST3E2E_BUNDLE_DIR) + "/MrvTestSynth.aaxplugin"; }
+// A bundle built in STANDARD mode.
+inline std::string StandardBundle(const std::string& name)
+{
+    return std::string(VST3E2E_BUNDLE_DIR) + "/standard/" + name + ".aaxplugin";
+}
 
 // A file of channel messages at these ticks (480 per quarter note).
 void WriteSmf(const std::string& path, const std::vector<std::pair<uint32_t, std::vector<unsigned char>>>& events);

@@ -55,7 +55,6 @@ void ExpectNeutral(CFakeHostVST3& host, bool hasFactory)
 TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
 {
     CTrace trace;
-    CLogCapture log;
     CHostedPlugin plugin("MrvTestSynth");
     ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
     CFakeHostVST3& host = *plugin.mHost;
@@ -63,8 +62,6 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
     EXPECT_STREQ(host.GetClassInfo().category, "Audio Module Class");
     EXPECT_EQ(host.GetPluginVendor(), "Morvane Test");
     EXPECT_EQ(host.GetPluginVersion(), "1.2.3");
-    EXPECT_TRUE(log.Contains("Load Bundle " + plugin.mPath));
-    EXPECT_TRUE(log.Contains("Loaded."));
 
     ExpectOrdered(trace, {"ModuleEntry", "proc.initialize", "ctrl.initialize", "ctrl.setComponentHandler set",
                           "proc.connect", "ctrl.connect", "proc.getState", "ctrl.setComponentState",
@@ -74,7 +71,6 @@ TEST(Vst3Loading, InstrumentIsCreatedConnectedAndDescribed)
     EXPECT_EQ(trace.LinesStartingWith("proc.activateBus type=0 dir=1 index=1 state=0").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("proc.initialize").size(), 1u);
     EXPECT_EQ(trace.LinesStartingWith("proc.setActive 1").size(), 0u);
-    EXPECT_TRUE(log.Contains("Setup hard-coded to 44100"));
 
     CVST3Loader& loader = plugin.Loader();
     EXPECT_TRUE(loader.areConnected());
@@ -181,16 +177,17 @@ TEST(Vst3LoadingFailure, MissingOrBrokenModulesGiveNeutralAnswers)
         CFakeHostVST3 host(owner, path);
         // "mVst3Loader!=0" throws at debug level; the contract answers false.
         EXPECT_FALSE(host.Init());
-        EXPECT_TRUE(log.Contains("Exception in Init - mVst3Loader!=0"));
         EXPECT_EQ(host.GetLoader(), nullptr);
         EXPECT_TRUE(log.Contains(c.logText + (c.logText[0] == 'I' ? c.path : std::string())));
         ExpectNeutral(host, false);
         host.Quit();
     }
-    EXPECT_TRUE(log.Contains("mVst3Loader!=0"));
 }
 
-TEST(Vst3LoadingFailure, FactoryRefusingCreation)
+// A factory that creates no processor leaves neutral answers; a controller
+// that fails its initialize leaves nothing set up, and both halves are
+// terminated.
+TEST(Vst3LoadingFailure, FactoryRefusingCreationOrControllerRefusingInitialize)
 {
     CTrace trace;
     CLogCapture log;
@@ -204,18 +201,11 @@ TEST(Vst3LoadingFailure, FactoryRefusingCreation)
     }
     EXPECT_EQ(trace.LinesStartingWith("factory.createInstance refused").size(), 1u);
     EXPECT_TRUE(log.Contains("processor creation failed"));
-}
-
-TEST(Vst3LoadingFailure, ControllerRefusingInitialize)
-{
-    CTrace trace;
-    CLogCapture log;
     {
         const CScopedEnv fault("MRV_VST3_FAULT", "controllerinit");
         CHostedPlugin plugin("MrvTestEffect");
         ASSERT_NE(plugin.mHost->GetLoader(), nullptr);
         EXPECT_FALSE(plugin.Loader().areConnected());
-        // Nothing after the failed initialize was set up: no buses, no sizes.
         EXPECT_EQ(plugin.Loader().getMainBusMask(kOutput), 0u);
         CTestContext buffers(64);
         buffers.mMidiIn.Add(0, 0x90, 60, 100);
@@ -238,9 +228,8 @@ TEST(Vst3Loading, ValidatorRunsOnTheBundleWhenBundleLogIsDetailed)
     std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     {
         const CScopedEnv validator("VST3_VALIDATOR", script.c_str());
-        CLogCapture log;  // "bundle" at debug
+        const CLogCapture log;  // "bundle" at debug
         CHostedPlugin plugin("MrvTestEffect");
-        EXPECT_TRUE(log.Contains("VST3 validator exit status 0"));
     }
     std::ifstream in(report);
     std::string line;

@@ -32,25 +32,17 @@ SRunResult Render(const std::string& dir, std::vector<std::string> extra)
     return RunHost(args);
 }
 
-struct Vst3E2EState : ::testing::Test {
-    void SetUp() override
-    {
-        dir = TempDir("state");
-        saved = dir + "/saved.state";
-        const SRunResult run = Render(dir, {"--set", "0=0.25", "--set", "3=0.5714285714285714", "--save-state", saved});
-        ASSERT_EQ(run.exitCode, 0) << run.err;
-    }
-    std::string dir, saved;
-};
-
 }  // namespace
 
-TEST_F(Vst3E2EState, BlockHoldsBothStatesAndAFreshInstanceRestoresThemInOrder)
+TEST(Vst3E2EState, BlockHoldsBothStatesAndAFreshInstanceRestoresThemInOrder)
 {
-    auto first = ReadState(saved);
-    const AAXHost::SStateChunk* before = WrapperChunk(first);
+    const std::string dir = TempDir("state"), saved = dir + "/saved.state";
+    const SRunResult first = Render(dir, {"--set", "0=0.25", "--set", "3=0.5714285714285714", "--save-state", saved});
+    ASSERT_EQ(first.exitCode, 0) << first.err;
+    auto chunks = ReadState(saved);
+    const AAXHost::SStateChunk* before = WrapperChunk(chunks);
     ASSERT_NE(before, nullptr);
-    EXPECT_EQ(&first.back(), before) << "the wrapper chunk comes last";
+    EXPECT_EQ(&chunks.back(), before) << "the wrapper chunk comes last";
     const auto& d = before->data;
     ASSERT_EQ(ReadU32(d, 0), kComponentSize);
     ASSERT_EQ(ReadU32(d, 4 + kComponentSize), kControllerSize);

@@ -17,6 +17,7 @@
 #include "CTestContext.h"
 #include "CTestOwner.h"
 #include "vst3/CFakeHostVST3.h"
+#include "public.sdk/source/vst/hosting/hostclasses.h"
 #include "vst3/CVST3Loader.h"
 
 namespace vst3test {
@@ -63,5 +64,22 @@ struct CHostedPlugin {
     std::string mPath;
     std::unique_ptr<CFakeHostVST3> mHost;
 };
+
+// Sends a test hook message with integer attributes to the plug-in's controller.
+inline void NotifyController(CVST3Loader& loader, const char* id,
+                             std::initializer_list<std::pair<const char*, Steinberg::int64>> attributes)
+{
+    using namespace Steinberg;
+    Vst::IConnectionPoint* point = nullptr;
+    ASSERT_EQ(loader.getController()->queryInterface(Vst::IConnectionPoint::iid, reinterpret_cast<void**>(&point)),
+              kResultOk);
+    auto* message = new Vst::HostMessage;
+    message->setMessageID(id);
+    for (const auto& [name, value] : attributes)
+        message->getAttributes()->setInt(name, value);
+    point->notify(message);
+    message->release();
+    point->release();
+}
 
 }  // namespace vst3test
