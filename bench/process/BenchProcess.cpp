@@ -230,6 +230,12 @@ void RunAutomationPoint(benchmark::State& state, const std::string& bundlePath, 
     }
     AAX_IACFEffectParameters* effect = rig.Effect(0);
     double value = 0.3;
+    // An unknown identifier would time the refusal, not a point.
+    if (effect->GetParameterNormalizedValue(id, &value) != AAX_SUCCESS) {
+        state.SkipWithError((std::string("no parameter ") + id).c_str());
+        return;
+    }
+    value = 0.3;
     for (auto _ : state) {
         value = value == 0.3 ? 0.31 : 0.3;
         effect->UpdateParameterNormalizedValue(id, value, AAX_eUpdateSource_Unspecified);
