@@ -93,6 +93,46 @@ TEST(Vst3Hosting, TransferKeepsEachParametersLastValueWhenTheRingIsFull)
     EXPECT_FALSE(transfer.getNextChange(id, value, offset));
 }
 
+// The reader is halfway through the table when the writer refills the ring
+// and then the table: the table's newer value must not be followed by the
+// ring's older ones (a loaded machine lost a burst's last value this way).
+// Both orders of the two parameters, since which the reader meets first
+// depends on where they land in the table.
+TEST(Vst3Hosting, TransferNeverLetsAnOlderValueFollowANewerOne)
+{
+    for (const auto& [first, second] : {std::pair<ParamID, ParamID>{0, 3}, {3, 0}}) {
+        ParameterChangeTransfer transfer(4);
+        const size_t capacity = transfer.capacity();
+        std::map<ParamID, double> newest, delivered;
+        double next = 1.0;
+        auto add = [&](ParamID id) {
+            ASSERT_TRUE(transfer.addChange(id, next, 0));
+            newest[id] = next++;
+        };
+        auto take = [&]() {
+            ParamID id = 0;
+            ParamValue value = 0;
+            int32 offset = 0;
+            if (!transfer.getNextChange(id, value, offset))
+                return false;
+            EXPECT_GT(value, delivered[id]) << "parameter " << id << " went back in time";
+            delivered[id] = value;
+            return true;
+        };
+        for (size_t i = 0; i <= capacity; ++i)
+            add(second);  // the last one waits in the table
+        add(first);
+        for (size_t i = 0; i < capacity; ++i)
+            ASSERT_TRUE(take());
+        ASSERT_TRUE(take());  // the first table value: the reader is now in the table
+        for (size_t i = 0; i <= capacity; ++i)
+            add(second);  // the ring full again, the last one in the table again
+        while (take()) {
+        }
+        EXPECT_EQ(delivered, newest) << "first " << first;
+    }
+}
+
 TEST(Vst3Hosting, TransferBetweenTwoThreads)
 {
     ParameterChangeTransfer transfer(4);
